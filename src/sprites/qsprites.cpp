@@ -113,6 +113,14 @@ void QSprites::touch()
     emit changed();
 }
 
+void QSprites::rowChanged(int i)
+{
+    if (!validIndex(i))
+        return;
+    const QModelIndex mi = createIndex(i, 0);
+    emit dataChanged(mi, mi, {Qt::DisplayRole});
+}
+
 void QSprites::insertRecord(int i)
 {
     beginInsertRows(QModelIndex(), i, i);
@@ -436,8 +444,7 @@ void QSprites::renameGroup(int group, int newGroup, bool whole, int first, int l
         }
         s.group = quint16(newGroup);
         any = true;
-        const QModelIndex mi = createIndex(k, 0);
-        emit dataChanged(mi, mi);
+        rowChanged(k);
     }
     if (any)
         touch();
@@ -518,8 +525,7 @@ void QSprites::setInfo(int i, const QSpriteInfo &info)
     if (undoEnabled)
         undoStack.push(new SpriteChangeInfo(this, quint32(i), cur));
     cur = next;
-    const QModelIndex mi = createIndex(i, 0);
-    emit dataChanged(mi, mi);
+    rowChanged(i);
     touch();
 }
 
@@ -695,8 +701,7 @@ bool QSprites::changeImage(int i, const QImage &source, int paletteMode, bool in
         if (it->info != oldInfo)
             undoStack.push(new SpriteChangeInfo(this, quint32(i), oldInfo));
     }
-    const QModelIndex mi = createIndex(i, 0);
-    emit dataChanged(mi, mi);
+    rowChanged(i);
     touch();
     return true;
 }

@@ -151,6 +151,8 @@ public:
     void setSpritePaletteIndices(const QList<int> &indices);
     // Ends a mutator: `modified` set, changed() emitted.
     void touch();
+    // Tells the views that the text of row `index` may have changed.
+    void rowChanged(int index);
 
     // --- members -------------------------------------------------------------
     QRemapModel remap;

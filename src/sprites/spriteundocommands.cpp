@@ -70,6 +70,7 @@ void SpriteChangeInfo::undo()
     if (!it)
         return;
     std::swap(it->info, info);
+    sprites->rowChanged(int(index));
     sprites->touch();
 }
 

@@ -655,7 +655,6 @@ void TestSprites::groupsAndDuplicates()
 
     // Duplicates: a copy owns its own entry with the same stored bytes; a
     // link points at the source's target.
-    const int link = s.findLinkTo(0, s.rootOf(s.count() - 1)) >= 0 ? s.count() - 1 : -1;
     s.duplicate(0, true);
     QVERIFY(s.sprites[1]->info.hasImage);
     QVERIFY(s.sprites[1]->cacheId != s.sprites[0]->cacheId);
@@ -675,7 +674,6 @@ void TestSprites::groupsAndDuplicates()
     QVERIFY(invariantBroken(s, {}).isEmpty());
     s.undoStack.setIndex(0);
     QVERIFY(snapshot(s) == before);
-    Q_UNUSED(link);
 
     // flattenLinks repairs a chain, with undo.
     s.sprites[4]->info.hasImage = false;
@@ -756,13 +754,13 @@ void TestSprites::palettes()
     s.setPaletteColors(0, palette(8));
     QCOMPARE(*s.paletteColors(0), palette(8));
 
-    const QString act = QDir(QDir::tempPath()).filePath(QStringLiteral("bf_store_test.act"));
+    QTemporaryDir dir;
+    const QString act = dir.filePath(QStringLiteral("p.act"));
     QVERIFY(s.savePaletteFile(0, act));
     QRGBPal back;
     QVERIFY(QSprites::loadPaletteFile(act, &back));
     QCOMPARE(back[17].r, palette(8)[17].r);
-    QFile::remove(act);
-    QVERIFY(!s.savePaletteFile(9, act));
+    QVERIFY(!s.savePaletteFile(9, dir.filePath(QStringLiteral("q.act"))));
 
     s.undoStack.setIndex(0);
     QVERIFY(snapshot(s) == before);
