@@ -3,6 +3,7 @@
 #include "sprites/qpalettefile.h"
 
 #include <QColor>
+#include <cmath>
 #include <utility>
 
 namespace {
@@ -257,12 +258,18 @@ void QRGBPalette::adjustHsl(const quint8 *selection, int hue, int saturation, in
         if (!selected(selection, i))
             continue;
         QRGBColor &c = (*m_colors)[i];
-        int h, s, l;
-        QColor(c.r, c.g, c.b).getHsl(&h, &s, &l);
+        // Float HSL keeps a plain hue turn exact: 8-bit lightness would shave
+        // a step off saturated colours.
+        float h, s, l;
+        QColor::fromRgb(c.r, c.g, c.b).getHslF(&h, &s, &l);
         // Hue goes round the circle; an achromatic colour (hue -1) stays grey.
-        if (h >= 0)
-            h = ((h + hue) % 360 + 360) % 360;
-        const QColor out = QColor::fromHsl(h, qBound(0, s + saturation, 255), qBound(0, l + lightness, 255));
+        if (h >= 0) {
+            h = std::fmod(h + hue / 360.0f, 1.0f);
+            if (h < 0)
+                h += 1.0f;
+        }
+        const QColor out = QColor::fromHslF(h, qBound(0.0f, s + saturation / 255.0f, 1.0f),
+                                            qBound(0.0f, l + lightness / 255.0f, 1.0f)).toRgb();
         c.r = quint8(out.red());
         c.g = quint8(out.green());
         c.b = quint8(out.blue());

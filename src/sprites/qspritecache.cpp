@@ -6,6 +6,7 @@
 #include <QRecursiveMutex>
 #include <QtEndian>
 #include <algorithm>
+#include <atomic>
 #include <memory>
 #include <vector>
 
@@ -177,11 +178,22 @@ QByteArray QSpriteCache::storedBytes(const QCacheEntry &e) const
     return m_file.read(e.storedSize);
 }
 
+namespace {
+std::atomic<quint64> s_decodes{0};
+}
+
+quint64 QSpriteCache::decodeCount()
+{
+    return s_decodes.load(std::memory_order_relaxed);
+}
+
 bool QSpriteCache::get(quint32 id, QByteArray &out, const QBFCacheFilter *filter, const QSpriteSize &size) const
 {
     const QCacheEntry *e = m_entries.value(id);
     if (!e)
         return false;
+    if (!filter || filter != QBFCacheFilter::byPass())
+        s_decodes.fetch_add(1, std::memory_order_relaxed);
     out = storedBytes(*e);
     if (filter)
         out = filter->decode(out, size);

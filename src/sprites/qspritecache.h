@@ -63,6 +63,11 @@ public:
     qint64 fileSize() const;
     QString fileName() const;
 
+    // Reads that went through anything but the pass-through filter, i.e. that
+    // produced pixels or samples, process-wide. Lets tests prove that an
+    // operation never looked at image data.
+    static quint64 decodeCount();
+
     // Deletes the free records of the pool (when a cache dies or a project closes).
     static void purge();
     // Records in the pool, and how many of them are free.
