@@ -3,6 +3,11 @@
 #include "commandstart.h"
 #include "console.h"
 #include "filekind.h"
+#include "progressmeter.h"
+#include "spriteexporter.h"
+#include "spritefile.h"
+
+#include <QFileInfo>
 
 #include <QDir>
 
@@ -67,7 +72,25 @@ ExitCode exportSprites(const QStringList &words)
     const QString outDir = start.args.positional().at(1);
     if (!isSpriteFile(input))
         return ExitCode::Failure;
-    return ExitCode::Failure;
+
+    SpriteFile file;
+    QString error;
+    const bool loaded = file.load(input, start.args.has(QStringLiteral("character")), &error);
+    const QString name = QFileInfo(input).fileName();
+    int issues = Console::printIssues(file.messages(), name);
+    if (!loaded) {
+        Console::fail(error);
+        return ExitCode::Failure;
+    }
+    SpriteExporter exporter(file.store(), name);
+    if (!exporter.exportTo(outDir, &error)) {
+        Console::fail(error);
+        return ExitCode::Failure;
+    }
+    for (const QString &warning : exporter.warnings())
+        Console::err(warning + QLatin1Char('\n'));
+    issues += int(exporter.warnings().size());
+    return issues ? ExitCode::Issues : ExitCode::Ok;
 }
 
 ExitCode convert(const QStringList &words)
@@ -88,7 +111,61 @@ ExitCode convert(const QStringList &words)
     const QString output = start.args.positional().at(1);
     if (!isSpriteFile(input))
         return ExitCode::Failure;
-    return ExitCode::Failure;
+    const QFileInfo target(output);
+    if (target.isDir()) {
+        Console::fail(QStringLiteral("'%1' is a folder, not a file name").arg(QDir::toNativeSeparators(output)));
+        return ExitCode::Failure;
+    }
+    if (!target.absoluteDir().exists()) {
+        Console::fail(QStringLiteral("cannot write '%1': its folder does not exist").arg(QDir::toNativeSeparators(output)));
+        return ExitCode::Failure;
+    }
+
+    const bool isCharacter = start.args.has(QStringLiteral("character"));
+    SpriteFile file;
+    QString error;
+    const bool loaded = file.load(input, isCharacter, &error);
+    int issues = Console::printIssues(file.messages(), QFileInfo(input).fileName());
+    if (!loaded) {
+        Console::fail(error);
+        return ExitCode::Failure;
+    }
+
+    QSprites &store = file.store();
+    const int reportedBefore = int(file.messages().messages().size());
+    QStringList misplaced;
+    QObject::connect(&store, &QSprites::orderMustBeChanged, [&](const QList<uint> &list) {
+        for (uint i : list) {
+            if (const QSpriteItem *s = store.item(int(i)))
+                misplaced << QStringLiteral("%1,%2").arg(s->info.group).arg(s->info.number);
+        }
+    });
+    ProgressMeter meter(QStringLiteral("Saving %1").arg(target.fileName()));
+    QObject::connect(&store, &QSprites::progress, &meter, &ProgressMeter::update);
+    const bool saved = store.toFile(output, isCharacter, version, true, false);
+    meter.finish();
+
+    // What the writer reported goes out like the reader's issues.
+    const QList<QMessages::Message> all = file.messages().messages();
+    for (qsizetype i = reportedBefore; i < all.size(); ++i) {
+        if (all.at(i).kind != QMessages::Information) {
+            Console::err(Console::issueLine(all.at(i).text, target.fileName()) + QLatin1Char('\n'));
+            ++issues;
+        }
+    }
+    if (!saved) {
+        Console::fail(QStringLiteral("cannot write '%1'").arg(QDir::toNativeSeparators(output)));
+        return ExitCode::Failure;
+    }
+    if (!misplaced.isEmpty()) {
+        // The engine gives the character's palette only to sprites that follow
+        // one using it: these will show other colours until they are moved.
+        Console::err(QStringLiteral("%1(0): Some sprites must be moved to another location to receive the "
+                                    "character palette. Affected sprites: %2\n")
+                         .arg(target.fileName(), misplaced.join(QStringLiteral("; "))));
+        ++issues;
+    }
+    return issues ? ExitCode::Issues : ExitCode::Ok;
 }
 
 } // namespace SpritesCommand
