@@ -1,0 +1,45 @@
+// brawlforge-cli: the project's formats from the command line, for batch work and
+// continuous integration. It loads and saves through the program's own stores,
+// so what it says and writes is what Brawlforge would.
+#include "commandstart.h"
+#include "console.h"
+#include "infocommand.h"
+#include "projectcommand.h"
+#include "spritescommand.h"
+#include "usage.h"
+
+#include <QCoreApplication>
+
+static ExitCode dispatch(const QStringList &words)
+{
+    if (words.isEmpty()) {
+        Console::err(Usage::text(Usage::Topic::Tool));
+        return ExitCode::Failure;
+    }
+    const QString &command = words.first();
+    const QStringList rest = words.mid(1);
+    if (command == QLatin1String("info"))
+        return InfoCommand::run(rest);
+    if (command == QLatin1String("sprites"))
+        return SpritesCommand::run(rest);
+    if (command == QLatin1String("project"))
+        return ProjectCommand::run(rest);
+    if (command == QLatin1String("help"))
+        return startCommand({QStringLiteral("--help")}, Usage::Topic::Tool, {}, {}).finished.value();
+
+    if (command.startsWith(QLatin1Char('-'))) {
+        // The tool's own options: --help, --version.
+        CommandStart start = startCommand(words, Usage::Topic::Tool, {}, {});
+        if (start.finished)
+            return *start.finished;
+    }
+    return usageError(Usage::Topic::Tool, QStringLiteral("unknown command '%1'").arg(command));
+}
+
+int main(int argc, char **argv)
+{
+    QCoreApplication app(argc, argv);
+    QCoreApplication::setApplicationName(QStringLiteral("brawlforge-cli"));
+    QCoreApplication::setApplicationVersion(QStringLiteral(BF_CLI_VERSION));
+    return toInt(dispatch(QCoreApplication::arguments().mid(1)));
+}

@@ -1,0 +1,37 @@
+#pragma once
+
+#include "core/qmessages.h"
+#include "sprites/qsprites.h"
+
+#include <QString>
+
+// A sprite file opened through the program's own store, with the issue list
+// the reader reports to. The tool never has a user to ask: a question the
+// reader would put (colours for a character's palette) stays unanswered, and
+// errors the program would show in a box become issues.
+class SpriteFile
+{
+public:
+    SpriteFile();
+
+    // False, with the one line of the failure in `error`, if the file can't be
+    // used; the issues the reader reported are in messages() either way.
+    bool load(const QString &path, bool isCharacter, QString *error);
+
+    QSprites &store() { return m_store; }
+    const QSprites &store() const { return m_store; }
+    const QMessages &messages() const { return m_messages; }
+    QMessages &messages() { return m_messages; }
+
+    // Number of errors and warnings reported.
+    int issueCount() const { return m_messages.issueCount(); }
+
+    // "1.01", "2.00", "2.01": the version as authors name it.
+    static QString versionName(quint32 version);
+    // "1.0.1.0": the four bytes of the version word.
+    static QString versionDotted(quint32 version);
+
+private:
+    QMessages m_messages;
+    QSprites m_store;
+};

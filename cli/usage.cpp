@@ -1,0 +1,134 @@
+#include "usage.h"
+
+namespace Usage {
+
+QString versionLine()
+{
+    return QStringLiteral("brawlforge-cli " BF_CLI_VERSION "\n");
+}
+
+QString commandName(Topic topic)
+{
+    switch (topic) {
+    case Topic::Tool: return QStringLiteral("brawlforge-cli");
+    case Topic::Info: return QStringLiteral("brawlforge-cli info");
+    case Topic::Sprites: return QStringLiteral("brawlforge-cli sprites");
+    case Topic::SpritesExport: return QStringLiteral("brawlforge-cli sprites export");
+    case Topic::SpritesConvert: return QStringLiteral("brawlforge-cli sprites convert");
+    case Topic::Project: return QStringLiteral("brawlforge-cli project");
+    case Topic::ProjectInfo: return QStringLiteral("brawlforge-cli project info");
+    }
+    return QString();
+}
+
+static const char exitCodes[] =
+    "\n"
+    "Exit codes:\n"
+    "  0  done, nothing to report\n"
+    "  1  done, but the file reported warnings or errors (on standard error,\n"
+    "     as \"file(line): text\")\n"
+    "  2  bad usage, an unreadable or unrecognised file, or a failed write\n";
+
+QString text(Topic topic)
+{
+    QString body;
+    switch (topic) {
+    case Topic::Tool:
+        body = QStringLiteral(
+            "Usage: brawlforge-cli COMMAND [ARGUMENTS]\n"
+            "\n"
+            "Reads and writes the files of M.U.G.E.N. content the way Brawlforge does,\n"
+            "for batch work and continuous integration.\n"
+            "\n"
+            "Commands:\n"
+            "  info FILE [--json]                        what a sprite file (SFF) or a\n"
+            "                                            definition file (DEF) holds\n"
+            "  sprites export FILE.sff OUTDIR [--character]\n"
+            "                                            one PNG per sprite, and sprites.txt\n"
+            "  sprites convert IN.sff OUT.sff --to 1.01|2.00|2.01 [--character]\n"
+            "                                            saves a sprite file in another version\n"
+            "  project info FILE.def [--json]            opens a project as the program does\n"
+            "                                            and lists its files and issues\n"
+            "\n"
+            "Options:\n"
+            "  -h, --help     this text; after a command, the help of that command\n"
+            "  --version      the version of the tool\n"
+            "\n"
+            "Progress is shown on standard error for long work when it is a terminal.\n");
+        break;
+    case Topic::Info:
+        body = QStringLiteral(
+            "Usage: brawlforge-cli info FILE [--json]\n"
+            "\n"
+            "For a sprite file (SFF 1.01, 2.00, 2.01): its version, the number of sprites,\n"
+            "of linked sprites and of palettes, then one line per sprite with its index,\n"
+            "group, number, axis, size, colour depth, stored format, link and palette.\n"
+            "For a definition file (DEF): the project type, the engine version, the local\n"
+            "coordinates and every file it names, with whether it exists.\n"
+            "\n"
+            "Options:\n"
+            "  --json         print one JSON document instead of text\n");
+        break;
+    case Topic::Sprites:
+        body = QStringLiteral(
+            "Usage: brawlforge-cli sprites export FILE.sff OUTDIR [--character]\n"
+            "       brawlforge-cli sprites convert IN.sff OUT.sff --to 1.01|2.00|2.01 [--character]\n"
+            "\n"
+            "See 'brawlforge-cli sprites export --help' and\n"
+            "'brawlforge-cli sprites convert --help'.\n");
+        break;
+    case Topic::SpritesExport:
+        body = QStringLiteral(
+            "Usage: brawlforge-cli sprites export FILE.sff OUTDIR [--character]\n"
+            "\n"
+            "Writes one PNG per sprite into OUTDIR (made if missing), named\n"
+            "<index>_<group>-<number>.png with the index in file order on 5 digits.\n"
+            "An 8-bit sprite becomes a palette PNG whose pixel values are the sprite's own\n"
+            "colour indices and whose colour table is its palette, alpha included;\n"
+            "24- and 32-bit sprites become RGB and RGBA PNGs. A linked sprite is written\n"
+            "as the image it shows.\n"
+            "\n"
+            "OUTDIR/sprites.txt lists one sprite per line, separated by tabs: index,\n"
+            "group, number, x, y, the index it links to or '-', the palette's group and\n"
+            "number ('-' without a palette), the PNG file name ('-' for an empty sprite).\n"
+            "\n"
+            "Options:\n"
+            "  --character    load as a character's sprite file (shared palettes)\n");
+        break;
+    case Topic::SpritesConvert:
+        body = QStringLiteral(
+            "Usage: brawlforge-cli sprites convert IN.sff OUT.sff --to 1.01|2.00|2.01 [--character]\n"
+            "\n"
+            "Loads IN.sff and saves it as OUT.sff in the given version, with the rules of\n"
+            "the program's own save: 1.01 and 2.00 hold 8-bit sprites only, so 24- and\n"
+            "32-bit sprites are reduced to 256 colours. OUT.sff is replaced only once it\n"
+            "is completely written; IN.sff is never touched unless OUT.sff names it.\n"
+            "\n"
+            "Options:\n"
+            "  --to VERSION   1.01 (M.U.G.E.N. Beta), 2.00 (M.U.G.E.N. 1.0) or\n"
+            "                 2.01 (M.U.G.E.N. 1.1)\n"
+            "  --character    load and save as a character's sprite file (shared palettes)\n");
+        break;
+    case Topic::Project:
+        body = QStringLiteral(
+            "Usage: brawlforge-cli project info FILE.def [--json]\n"
+            "\n"
+            "See 'brawlforge-cli project info --help'.\n");
+        break;
+    case Topic::ProjectInfo:
+        body = QStringLiteral(
+            "Usage: brawlforge-cli project info FILE.def [--json]\n"
+            "\n"
+            "Opens the project the way Brawlforge does (definitions, palettes, sprites,\n"
+            "animations, sounds, commands, states) and prints its type, engine version,\n"
+            "local coordinates, each slot's file with the number of items it holds, and\n"
+            "every issue the load reported.\n"
+            "\n"
+            "Options:\n"
+            "  --json         print one JSON document instead of text\n");
+        break;
+    }
+    return body + QLatin1String(exitCodes);
+}
+
+} // namespace Usage

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <QString>
+
+// The help texts of the tool and of each command, and its version line.
+namespace Usage {
+
+enum class Topic { Tool, Info, Sprites, SpritesExport, SpritesConvert, Project, ProjectInfo };
+
+QString text(Topic topic);
+QString versionLine();
+
+// How a command is called, for the hint after a usage error.
+QString commandName(Topic topic);
+
+} // namespace Usage

@@ -1,0 +1,679 @@
+// Runs the built brawlforge-cli as a process, the way scripts and CI use it, and
+// checks exit codes, outputs and the files it writes, over the engine's sample
+// content and over damaged copies of it.
+#include "testsupport.h"
+
+#include "core/qmessages.h"
+#include "sprites/qsprites.h"
+
+#include <QCoreApplication>
+#include <QDirIterator>
+#include <QImage>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QRandomGenerator>
+#include <QtEndian>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QProcess>
+#include <QRegularExpression>
+#include <QTemporaryDir>
+#include <QtTest>
+
+namespace {
+
+struct Run
+{
+    int code = -1;
+    QByteArray out;
+    QByteArray err;
+    bool crashed = false;   // signal, sanitizer report or hang
+    QString what;           // the command line, for failure messages
+};
+
+// Sanitizer reports get exit codes of their own, so that a report can never pass
+// for the tool's 1 ("done with issues").
+constexpr int kAsanExit = 86;
+constexpr int kUbsanExit = 87;
+
+QString toolPath()
+{
+    return QCoreApplication::applicationDirPath() + QStringLiteral("/brawlforge-cli");
+}
+
+Run runTool(const QStringList &args, int timeoutMs = 300000)
+{
+    Run r;
+    r.what = QStringLiteral("brawlforge-cli ") + args.join(QLatin1Char(' '));
+    QProcess p;
+    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    env.insert(QStringLiteral("ASAN_OPTIONS"), QStringLiteral("detect_leaks=0:exitcode=%1").arg(kAsanExit));
+    env.insert(QStringLiteral("UBSAN_OPTIONS"),
+               QStringLiteral("print_stacktrace=1:halt_on_error=1:exitcode=%1").arg(kUbsanExit));
+    p.setProcessEnvironment(env);
+    p.start(toolPath(), args);
+    if (!p.waitForStarted()) {
+        r.crashed = true;
+        r.err = "cannot start " + toolPath().toUtf8();
+        return r;
+    }
+    if (!p.waitForFinished(timeoutMs)) {
+        p.kill();
+        p.waitForFinished();
+        r.crashed = true;
+    }
+    r.out = p.readAllStandardOutput();
+    r.err = p.readAllStandardError();
+    if (p.exitStatus() != QProcess::NormalExit)
+        r.crashed = true;
+    r.code = p.exitCode();
+    if (r.code == kAsanExit || r.code == kUbsanExit || r.err.contains("Sanitizer")
+        || r.err.contains("runtime error:"))
+        r.crashed = true;
+    return r;
+}
+
+QString describe(const Run &r)
+{
+    return QStringLiteral("%1\nexit %2%3\n--- stderr:\n%4")
+        .arg(r.what)
+        .arg(r.code)
+        .arg(r.crashed ? QStringLiteral(" (CRASHED)") : QString())
+        .arg(QString::fromUtf8(r.err.left(4000)));
+}
+
+#define EXPECT_EXIT(run, expected)                                                                 \
+    do {                                                                                           \
+        const Run &r_ = (run);                                                                     \
+        if (r_.crashed || r_.code != (expected))                                                   \
+            QFAIL(qPrintable(describe(r_) + QStringLiteral("\nexpected exit %1").arg(expected)));  \
+    } while (0)
+
+
+// Every sprite file of the engine sample, relative to its folder.
+QStringList sampleSpriteFiles()
+{
+    QStringList files;
+    QDirIterator it(TestSupport::sampleDir(), {QStringLiteral("*.sff")}, QDir::Files, QDirIterator::Subdirectories);
+    while (it.hasNext())
+        files << it.next();
+    files.sort();
+    return files;
+}
+
+QByteArray readAll(const QString &path)
+{
+    QFile f(path);
+    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
+}
+
+bool writeAll(const QString &path, const QByteArray &bytes)
+{
+    QFile f(path);
+    return f.open(QIODevice::WriteOnly) && f.write(bytes) == bytes.size();
+}
+
+quint32 word32(const QByteArray &b, qsizetype at)
+{
+    return at + 4 <= b.size() ? qFromLittleEndian<quint32>(b.constData() + at) : 0;
+}
+
+void putWord32(QByteArray &b, qsizetype at, quint32 v)
+{
+    if (at + 4 <= b.size())
+        qToLittleEndian<quint32>(v, b.data() + at);
+}
+
+void putWord16(QByteArray &b, qsizetype at, quint16 v)
+{
+    if (at + 2 <= b.size())
+        qToLittleEndian<quint16>(v, b.data() + at);
+}
+
+// Pixels of two images, compared exactly: same format, same size, same colour
+// indices and colour table for indexed images, same ARGB words otherwise.
+QString imageDifference(const QImage &exported, const QImage &expected, bool colourAlpha = true)
+{
+    if (exported.size() != expected.size())
+        return QStringLiteral("size %1x%2, expected %3x%4")
+            .arg(exported.width()).arg(exported.height()).arg(expected.width()).arg(expected.height());
+    if (exported.format() != expected.format())
+        return QStringLiteral("format %1, expected %2").arg(exported.format()).arg(expected.format());
+    const bool indexed = expected.format() == QImage::Format_Indexed8;
+    if (indexed) {
+        const QList<QRgb> a = exported.colorTable();
+        const QList<QRgb> b = expected.colorTable();
+        for (qsizetype i = 0; i < b.size(); ++i) {
+            const QRgb mask = colourAlpha ? 0xFFFFFFFFu : 0x00FFFFFFu;
+            if (i >= a.size() || (a.at(i) & mask) != (b.at(i) & mask))
+                return QStringLiteral("colour %1 differs").arg(i);
+        }
+    }
+    for (int y = 0; y < expected.height(); ++y) {
+        for (int x = 0; x < expected.width(); ++x) {
+            const uint a = indexed ? uint(exported.pixelIndex(x, y)) : exported.pixel(x, y);
+            const uint b = indexed ? uint(expected.pixelIndex(x, y)) : expected.pixel(x, y);
+            if (a != b)
+                return QStringLiteral("pixel %1,%2 is %3, expected %4").arg(x).arg(y).arg(a, 0, 16).arg(b, 0, 16);
+        }
+    }
+    return QString();
+}
+
+} // namespace
+
+class TestCli : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void usageHelpAndVersion_data();
+    void usageHelpAndVersion();
+    void unusableFiles();
+    void infoOverSample();
+    void exportMatchesStore();
+    void exportFailures();
+    void convertVersions();
+    void damagedSpriteFiles();
+};
+
+void TestCli::initTestCase()
+{
+    QVERIFY2(QFileInfo(toolPath()).isExecutable(), qPrintable(toolPath() + " is not built"));
+}
+
+void TestCli::usageHelpAndVersion_data()
+{
+    QTest::addColumn<QStringList>("args");
+    QTest::addColumn<int>("code");
+    QTest::addColumn<QString>("stdoutHas");   // empty: stdout must be empty
+    QTest::addColumn<QString>("stderrHas");   // empty: stderr must be empty
+
+    const QString version = QStringLiteral("<version>"); // one line, checked by pattern below
+    QTest::newRow("no arguments") << QStringList{} << 2 << QString() << "Usage: brawlforge-cli COMMAND";
+    QTest::newRow("--help") << QStringList{"--help"} << 0 << "sprites convert IN.sff" << QString();
+    QTest::newRow("-h") << QStringList{"-h"} << 0 << "project info FILE.def" << QString();
+    QTest::newRow("help word") << QStringList{"help"} << 0 << "Exit codes:" << QString();
+    QTest::newRow("--version") << QStringList{"--version"} << 0 << version << QString();
+    QTest::newRow("info --help") << QStringList{"info", "--help"} << 0 << "Usage: brawlforge-cli info FILE" << QString();
+    QTest::newRow("info --version") << QStringList{"info", "--version"} << 0 << version << QString();
+    QTest::newRow("sprites --help") << QStringList{"sprites", "--help"} << 0 << "sprites export FILE.sff" << QString();
+    QTest::newRow("export --help") << QStringList{"sprites", "export", "-h"} << 0 << "sprites.txt" << QString();
+    QTest::newRow("export --version") << QStringList{"sprites", "export", "--version"} << 0 << version << QString();
+    QTest::newRow("convert --help") << QStringList{"sprites", "convert", "--help"} << 0 << "--to VERSION" << QString();
+    QTest::newRow("project --help") << QStringList{"project", "--help"} << 0 << "project info FILE.def" << QString();
+    QTest::newRow("project info --help") << QStringList{"project", "info", "--help"} << 0 << "every issue" << QString();
+    QTest::newRow("project info --version") << QStringList{"project", "info", "--version"} << 0 << version << QString();
+    // Help wins over missing arguments, as a user trying to find out expects.
+    QTest::newRow("help before checks") << QStringList{"info", "--help", "a", "b"} << 0 << "--json" << QString();
+
+    QTest::newRow("unknown command") << QStringList{"frobnicate"} << 2 << QString() << "unknown command 'frobnicate'";
+    QTest::newRow("unknown tool option") << QStringList{"--frob"} << 2 << QString() << "unknown option '--frob'";
+    QTest::newRow("unknown sprites command") << QStringList{"sprites", "melt"} << 2 << QString()
+                                             << "unknown command 'sprites melt'";
+    QTest::newRow("sprites alone") << QStringList{"sprites"} << 2 << QString() << "missing command";
+    QTest::newRow("project alone") << QStringList{"project"} << 2 << QString() << "missing command";
+    QTest::newRow("info without file") << QStringList{"info"} << 2 << QString() << "missing FILE";
+    QTest::newRow("info two files") << QStringList{"info", "a", "b"} << 2 << QString() << "unexpected argument 'b'";
+    QTest::newRow("info unknown option") << QStringList{"info", "x", "--jsn"} << 2 << QString()
+                                         << "unknown option '--jsn'";
+    QTest::newRow("flag with value") << QStringList{"info", "x", "--json=yes"} << 2 << QString() << "takes no value";
+    QTest::newRow("export without outdir") << QStringList{"sprites", "export", "a.sff"} << 2 << QString()
+                                           << "missing OUTDIR";
+    QTest::newRow("convert without --to") << QStringList{"sprites", "convert", "a.sff", "b.sff"} << 2 << QString()
+                                          << "--to";
+    QTest::newRow("convert bad version") << QStringList{"sprites", "convert", "a.sff", "b.sff", "--to=3.00"} << 2
+                                         << QString() << "3.00";
+    QTest::newRow("project info without file") << QStringList{"project", "info"} << 2 << QString() << "missing FILE.def";
+}
+
+void TestCli::usageHelpAndVersion()
+{
+    QFETCH(QStringList, args);
+    QFETCH(int, code);
+    QFETCH(QString, stdoutHas);
+    QFETCH(QString, stderrHas);
+
+    const Run r = runTool(args);
+    EXPECT_EXIT(r, code);
+    if (stdoutHas.isEmpty())
+        QVERIFY2(r.out.isEmpty(), r.out.constData());
+    else if (stdoutHas == QLatin1String("<version>"))
+        QVERIFY2(QRegularExpression(QStringLiteral("^brawlforge-cli \\d+\\.\\d+\\.\\d+\n$"))
+                     .match(QString::fromUtf8(r.out)).hasMatch(), r.out.constData());
+    else
+        QVERIFY2(r.out.contains(stdoutHas.toUtf8()), r.out.constData());
+    if (stderrHas.isEmpty()) {
+        QVERIFY2(r.err.isEmpty(), r.err.constData());
+    } else {
+        QVERIFY2(r.err.contains(stderrHas.toUtf8()), r.err.constData());
+        // A usage error is one clear line; only the bare call shows the whole help.
+        if (!args.isEmpty())
+            QCOMPARE(r.err.count('\n'), 1);
+    }
+}
+
+void TestCli::unusableFiles()
+{
+    QTemporaryDir dir;
+    QVERIFY(dir.isValid());
+    const QString missing = dir.filePath(QStringLiteral("missing.sff"));
+    const QString text = dir.filePath(QStringLiteral("notes.txt"));
+    const QString empty = dir.filePath(QStringLiteral("empty.sff"));
+    {
+        QFile f(text);
+        QVERIFY(f.open(QIODevice::WriteOnly));
+        f.write("just some text\n");
+        QFile e(empty);
+        QVERIFY(e.open(QIODevice::WriteOnly));
+    }
+
+    struct Case { QStringList args; QByteArray says; };
+    const QList<Case> cases = {
+        {{"info", missing}, "no such file"},
+        {{"info", text}, "not a sprite file"},
+        {{"info", empty}, "not a sprite file"},
+        {{"info", dir.path()}, "cannot be read"},
+        {{"sprites", "export", missing, dir.filePath("out")}, "no such file"},
+        {{"sprites", "export", text, dir.filePath("out")}, "not a sprite file"},
+        {{"sprites", "convert", empty, dir.filePath("o.sff"), "--to", "2.01"}, "not a sprite file"},
+        {{"project", "info", missing}, "no such file"},
+    };
+    for (const Case &c : cases) {
+        const Run r = runTool(c.args);
+        EXPECT_EXIT(r, 2);
+        QVERIFY2(r.err.contains(c.says), qPrintable(describe(r)));
+        QCOMPARE(r.err.count('\n'), 1);
+        QVERIFY2(r.out.isEmpty(), r.out.constData());
+    }
+    // Nothing is left behind by a refused run.
+    QVERIFY(!QFileInfo::exists(dir.filePath(QStringLiteral("out"))));
+    QVERIFY(!QFileInfo::exists(dir.filePath(QStringLiteral("o.sff"))));
+}
+
+void TestCli::infoOverSample()
+{
+    BF_REQUIRE_SAMPLE();
+    const QStringList files = sampleSpriteFiles();
+    QVERIFY(files.size() >= 3);
+    for (const QString &path : files) {
+        QMessages messages;
+        QSprites store;
+        store.messages = &messages;
+        QVERIFY2(store.fromFile(path, false, true), qPrintable(path));
+
+        const Run r = runTool({QStringLiteral("info"), path, QStringLiteral("--json")});
+        EXPECT_EXIT(r, messages.issueCount() ? 1 : 0);
+        QJsonParseError parseError;
+        const QJsonObject o = QJsonDocument::fromJson(r.out, &parseError).object();
+        QVERIFY2(parseError.error == QJsonParseError::NoError, qPrintable(path + ": " + parseError.errorString()));
+
+        // The version as the header states it, not as the store says.
+        const quint32 word = word32(readAll(path), 12);
+        QCOMPARE(o.value("version").toString(), QStringLiteral("%1.%2%3").arg(word >> 24)
+                                                     .arg((word >> 16) & 0xFF).arg((word >> 8) & 0xFF));
+        QCOMPARE(o.value("kind").toString(), QStringLiteral("sprites"));
+        QCOMPARE(o.value("spriteCount").toInt(), store.count());
+        QCOMPARE(o.value("paletteCount").toInt(), store.paletteCount());
+        QCOMPARE(o.value("palettes").toArray().size(), store.paletteCount());
+
+        const QJsonArray sprites = o.value("sprites").toArray();
+        QCOMPARE(sprites.size(), store.count());
+        int linked = 0;
+        for (int i = 0; i < store.count(); ++i) {
+            const QSpriteItem &item = *store.item(i);
+            const QJsonObject js = sprites.at(i).toObject();
+            const QString where = QStringLiteral("%1 sprite %2").arg(path).arg(i);
+            QVERIFY2(js.value("index").toInt() == i, qPrintable(where));
+            QVERIFY2(js.value("group").toInt() == item.info.group && js.value("number").toInt() == item.info.number,
+                     qPrintable(where));
+            QVERIFY2(js.value("x").toInt() == item.info.x && js.value("y").toInt() == item.info.y, qPrintable(where));
+            QVERIFY2(js.value("width").toInt() == item.width && js.value("height").toInt() == item.height,
+                     qPrintable(where));
+            if (item.isLink()) {
+                ++linked;
+                QVERIFY2(js.value("link").toInt(-1) == item.info.link, qPrintable(where));
+                QVERIFY2(js.value("format").toString() == QLatin1String("link"), qPrintable(where));
+            } else {
+                QVERIFY2(js.value("link").isNull(), qPrintable(where));
+            }
+            const int depth = js.value("depth").toInt();
+            QVERIFY2(depth == 8 || depth == 24 || depth == 32, qPrintable(where));
+            const QJsonValue pal = js.value("palette");
+            if (item.info.palette < store.paletteCount()) {
+                const QPaletteInfo pi = store.paletteInfo(item.info.palette);
+                QVERIFY2(pal.toObject().value("index").toInt() == item.info.palette
+                             && pal.toObject().value("group").toInt() == pi.group
+                             && pal.toObject().value("number").toInt() == pi.number,
+                         qPrintable(where));
+            } else {
+                QVERIFY2(pal.isNull(), qPrintable(where));
+            }
+        }
+        QCOMPARE(o.value("linkedCount").toInt(), linked);
+    }
+
+    // The text form: a summary, then one line per palette and per sprite.
+    const QString kfm = TestSupport::samplePath(QStringLiteral("chars/kfm/kfm.sff"));
+    QSprites store;
+    QVERIFY(store.fromFile(kfm, false, true));
+    const Run t = runTool({QStringLiteral("info"), kfm});
+    EXPECT_EXIT(t, 0);
+    QVERIFY2(t.err.isEmpty(), t.err.constData()); // no progress drawn when stderr isn't a terminal
+    QVERIFY(t.out.contains("Version:   2.01 (2.0.1.0)\n"));
+    QVERIFY(t.out.contains(QStringLiteral("Sprites:   %1\n").arg(store.count()).toUtf8()));
+    const QList<QByteArray> lines = t.out.split('\n');
+    const qsizetype spritesAt = lines.indexOf("Sprites");
+    QVERIFY(spritesAt > 0);
+    QCOMPARE(lines.size() - spritesAt - 3, qsizetype(store.count())); // title, column heads, final newline
+    const QList<QByteArray> first = lines.at(spritesAt + 2).simplified().split(' ');
+    QCOMPARE(first.at(0), QByteArray("0"));
+    QCOMPARE(first.at(1).toInt(), int(store.item(0)->info.group));
+    QCOMPARE(first.at(2).toInt(), int(store.item(0)->info.number));
+}
+
+void TestCli::exportMatchesStore()
+{
+    BF_REQUIRE_SAMPLE();
+    QStringList files = sampleSpriteFiles();
+    QVERIFY(!files.isEmpty());
+    // A version 1 file loaded as a character too: its palettes are shared.
+    const QString character = TestSupport::samplePath(QStringLiteral("chars/kfm/intro.sff"));
+    files << QStringLiteral("--character ") + character;
+
+    for (const QString &entry : std::as_const(files)) {
+        const bool isCharacter = entry.startsWith(QLatin1String("--character "));
+        const QString path = isCharacter ? character : entry;
+        QTemporaryDir out;
+        QVERIFY(out.isValid());
+        QMessages messages;
+        QSprites store;
+        store.messages = &messages;
+        QVERIFY2(store.fromFile(path, isCharacter, true), qPrintable(path));
+
+        QStringList args{QStringLiteral("sprites"), QStringLiteral("export"), path, out.path()};
+        if (isCharacter)
+            args << QStringLiteral("--character");
+        const Run r = runTool(args);
+        EXPECT_EXIT(r, messages.issueCount() ? 1 : 0);
+        QVERIFY2(r.out.isEmpty(), r.out.constData());
+
+        const QList<QByteArray> lines = readAll(out.filePath(QStringLiteral("sprites.txt"))).split('\n');
+        QCOMPARE(lines.size(), qsizetype(store.count()) + 1);
+        QVERIFY(lines.last().isEmpty());
+        QStringList pngs = QDir(out.path()).entryList({QStringLiteral("*.png")}, QDir::Files);
+        for (int i = 0; i < store.count(); ++i) {
+            const QSpriteItem &item = *store.item(i);
+            const QString where = QStringLiteral("%1 sprite %2").arg(entry).arg(i);
+            const QList<QByteArray> f = lines.at(i).split('\t');
+            QVERIFY2(f.size() == 9, qPrintable(where + ": " + lines.at(i)));
+            QVERIFY2(f.at(0).toInt() == i && f.at(1).toInt() == item.info.group && f.at(2).toInt() == item.info.number
+                         && f.at(3).toInt() == item.info.x && f.at(4).toInt() == item.info.y,
+                     qPrintable(where + ": " + lines.at(i)));
+            QVERIFY2(f.at(5) == (item.isLink() ? QByteArray::number(item.info.link) : QByteArray("-")),
+                     qPrintable(where + ": " + lines.at(i)));
+            if (item.info.palette < store.paletteCount()) {
+                const QPaletteInfo pi = store.paletteInfo(item.info.palette);
+                QVERIFY2(f.at(6).toInt() == pi.group && f.at(7).toInt() == pi.number, qPrintable(where));
+            } else {
+                QVERIFY2(f.at(6) == "-" && f.at(7) == "-", qPrintable(where));
+            }
+
+            const QImage expected = store.image(i);
+            if (expected.isNull()) {
+                QVERIFY2(f.at(8) == "-", qPrintable(where));
+                continue;
+            }
+            const QString name = QStringLiteral("%1_%2-%3.png").arg(i, 5, 10, QLatin1Char('0'))
+                                     .arg(item.info.group).arg(item.info.number);
+            QVERIFY2(f.at(8) == name.toUtf8(), qPrintable(where + ": " + f.at(8)));
+            QVERIFY2(pngs.removeOne(name), qPrintable(where + ": no " + name));
+            const QImage exported(out.filePath(name), "png");
+            const QString diff = imageDifference(exported, expected);
+            QVERIFY2(diff.isEmpty(), qPrintable(where + ": " + diff));
+        }
+        QVERIFY2(pngs.isEmpty(), qPrintable(QStringLiteral("files not listed: ") + pngs.join(' ')));
+    }
+}
+
+void TestCli::exportFailures()
+{
+    BF_REQUIRE_SAMPLE();
+    const QString sff = TestSupport::samplePath(QStringLiteral("stages/stage0.sff"));
+    QTemporaryDir dir;
+    QVERIFY(dir.isValid());
+
+    // OUTDIR is a file.
+    const QString plain = dir.filePath(QStringLiteral("plain"));
+    QVERIFY(writeAll(plain, "x"));
+    Run r = runTool({QStringLiteral("sprites"), QStringLiteral("export"), sff, plain});
+    EXPECT_EXIT(r, 2);
+    QVERIFY2(r.err.contains("cannot create the folder"), r.err.constData());
+
+    // A folder in the way of one PNG: the run stops with one line and exit 2.
+    QSprites store;
+    QVERIFY(store.fromFile(sff, false, true));
+    QVERIFY(store.count() > 0);
+    const QString firstName = QStringLiteral("00000_%1-%2.png").arg(store.item(0)->info.group).arg(store.item(0)->info.number);
+    const QString blocked = dir.filePath(QStringLiteral("blocked"));
+    QVERIFY(QDir().mkpath(blocked + QLatin1Char('/') + firstName));
+    r = runTool({QStringLiteral("sprites"), QStringLiteral("export"), sff, blocked});
+    EXPECT_EXIT(r, 2);
+    QVERIFY2(r.err.contains("cannot write") && r.err.count('\n') == 1, r.err.constData());
+    QVERIFY(!QFileInfo::exists(blocked + QStringLiteral("/sprites.txt")));
+
+    // An earlier export is replaced file by file, never left half-written.
+    const QString again = dir.filePath(QStringLiteral("again"));
+    r = runTool({QStringLiteral("sprites"), QStringLiteral("export"), sff, again});
+    EXPECT_EXIT(r, 0);
+    const QByteArray list = readAll(again + QStringLiteral("/sprites.txt"));
+    r = runTool({QStringLiteral("sprites"), QStringLiteral("export"), sff, again});
+    EXPECT_EXIT(r, 0);
+    QCOMPARE(readAll(again + QStringLiteral("/sprites.txt")), list);
+    QCOMPARE(QDir(again).entryList(QDir::Files).size(), list.count('\n') - list.count("\t-\n") + 1);
+}
+
+void TestCli::convertVersions()
+{
+    BF_REQUIRE_SAMPLE();
+    QTemporaryDir dir;
+    QVERIFY(dir.isValid());
+    const QString source = TestSupport::samplePath(QStringLiteral("chars/kfm/kfm.sff"));
+    const QByteArray sourceBytes = readAll(source);
+    QSprites original;
+    QVERIFY(original.fromFile(source, false, true));
+
+    const QList<QPair<QString, quint32>> targets = {
+        {QStringLiteral("1.01"), QSprites::Version101},
+        {QStringLiteral("2.00"), QSprites::Version200},
+        {QStringLiteral("2.01"), QSprites::Version201},
+        {QStringLiteral("2.0.1.0"), QSprites::Version201},
+    };
+    for (const auto &[name, word] : targets) {
+        const QString out = dir.filePath(QStringLiteral("kfm-%1.sff").arg(name));
+        const Run r = runTool({QStringLiteral("sprites"), QStringLiteral("convert"), source, out,
+                               QStringLiteral("--to"), name});
+        EXPECT_EXIT(r, 0);
+        QCOMPARE(word32(readAll(out), 12), word);
+        QSprites converted;
+        QVERIFY2(converted.fromFile(out, false, true), qPrintable(out));
+        QCOMPARE(converted.count(), original.count());
+        for (int i = 0; i < original.count(); ++i) {
+            const QImage a = original.image(i);
+            const QImage b = converted.image(i);
+            QCOMPARE(b.size(), a.size());
+            // Indexed sprites keep their indices and colours in every version.
+            // (The 8-bit versions give colour 0 of a palette no alpha of its own.)
+            if (a.format() == QImage::Format_Indexed8) {
+                const QString diff = imageDifference(b, a, word == QSprites::Version201);
+                QVERIFY2(diff.isEmpty(), qPrintable(QStringLiteral("%1 sprite %2: %3").arg(name).arg(i).arg(diff)));
+            }
+        }
+        // Converting the result again in its own version changes nothing.
+        const QString twice = out + QStringLiteral(".twice.sff");
+        EXPECT_EXIT(runTool({QStringLiteral("sprites"), QStringLiteral("convert"), out, twice,
+                             QStringLiteral("--to=") + name}), 0);
+        QCOMPARE(readAll(twice), readAll(out));
+    }
+    QCOMPARE(readAll(source), sourceBytes);
+
+    // Over itself: allowed when OUT names IN, and the file is whole afterwards.
+    const QString copy = dir.filePath(QStringLiteral("inplace.sff"));
+    QVERIFY(writeAll(copy, sourceBytes));
+    EXPECT_EXIT(runTool({QStringLiteral("sprites"), QStringLiteral("convert"), copy, copy,
+                         QStringLiteral("--to"), QStringLiteral("2.00")}), 0);
+    QSprites inplace;
+    QVERIFY(inplace.fromFile(copy, false, true));
+    QCOMPARE(inplace.version, QSprites::Version200);
+    QCOMPARE(inplace.count(), original.count());
+
+    // Targets that can't be written: one line, exit 2, and nothing created.
+    const QString plain = dir.filePath(QStringLiteral("plain"));
+    QVERIFY(writeAll(plain, "keep"));
+    for (const QString &bad : {dir.path(), plain + QStringLiteral("/x.sff"),
+                               dir.filePath(QStringLiteral("no/such/folder/x.sff"))}) {
+        const Run r = runTool({QStringLiteral("sprites"), QStringLiteral("convert"), source, bad,
+                               QStringLiteral("--to"), QStringLiteral("2.01")});
+        EXPECT_EXIT(r, 2);
+        QCOMPARE(r.err.count('\n'), 1);
+    }
+    QCOMPARE(readAll(plain), QByteArray("keep"));
+}
+
+void TestCli::damagedSpriteFiles()
+{
+    BF_REQUIRE_SAMPLE();
+    QTemporaryDir dir;
+    QVERIFY(dir.isValid());
+    // Small files of each version keep the number of runs affordable.
+    const QStringList sources = {
+        TestSupport::samplePath(QStringLiteral("data/kfm/gameover.sff")), // 1.01
+        TestSupport::samplePath(QStringLiteral("stages/stage0.sff")),     // 2.00
+        TestSupport::samplePath(QStringLiteral("font/f-4x6.sff")),        // 2.00, raw sprites
+        TestSupport::samplePath(QStringLiteral("data/kfm/logo.sff")),     // 1.01
+    };
+    const QString v201 = TestSupport::samplePath(QStringLiteral("chars/kfm/kfm.sff"));
+
+    struct Damaged
+    {
+        QString name;
+        QByteArray bytes;
+        bool mustFail = false; // refused as a whole: exit 2
+    };
+    QList<Damaged> cases;
+    QRandomGenerator random(20240611); // fixed: a failure must be reproducible
+
+    for (const QString &source : sources + QStringList{v201}) {
+        const QByteArray good = readAll(source);
+        QVERIFY2(good.size() > 600, qPrintable(source));
+        const QString base = QFileInfo(source).completeBaseName();
+        const bool v1 = word32(good, 12) == QSprites::Version101;
+
+        for (qsizetype cut : {qsizetype(13), qsizetype(16), qsizetype(40), qsizetype(511), qsizetype(512),
+                              qsizetype(530), good.size() / 2, good.size() - 1})
+            cases.append({QStringLiteral("%1 cut at %2").arg(base).arg(cut), good.left(cut)});
+        if (source == v201)
+            continue; // the large file only gets the cheap cases
+
+        for (int n = 0; n < 12; ++n) {
+            QByteArray bytes = good;
+            const int flips = 1 + int(random.bounded(8));
+            // Most flips land in the header and tables, where they matter most.
+            const qsizetype span = n % 3 == 0 ? bytes.size() : qMin<qsizetype>(bytes.size(), 1200);
+            for (int k = 0; k < flips; ++k) {
+                const qsizetype at = 16 + qsizetype(random.bounded(quint32(span - 16)));
+                bytes[at] = char(bytes.at(at) ^ (1 << random.bounded(8)));
+            }
+            cases.append({QStringLiteral("%1 flipped #%2").arg(base).arg(n), bytes});
+        }
+
+        if (v1) {
+            QByteArray huge = good;
+            putWord32(huge, 20, 0x7FFFFFFF);
+            cases.append({base + QStringLiteral(" huge image count"), huge});
+            QByteArray hugeLength = good;
+            putWord32(hugeLength, 512 + 4, 0xFFFFFFF0);
+            putWord32(hugeLength, 512, 0);
+            cases.append({base + QStringLiteral(" huge data length"), hugeLength});
+            // The first sprite linked to one that comes later.
+            QByteArray forward = good;
+            putWord32(forward, 512 + 4, 0);
+            putWord16(forward, 512 + 16, 5);
+            cases.append({base + QStringLiteral(" forward link"), forward, true});
+        } else {
+            const quint32 spriteTable = word32(good, 36);
+            const quint32 spriteCount = word32(good, 40);
+            QVERIFY(spriteCount >= 2);
+            for (quint32 field : {40u, 48u}) {
+                QByteArray huge = good;
+                putWord32(huge, field, 0xFFFFFFFF);
+                cases.append({QStringLiteral("%1 huge count at %2").arg(base).arg(field), huge});
+            }
+            for (quint32 field : {36u, 44u, 52u, 60u}) {
+                QByteArray far = good;
+                putWord32(far, field, 0xFFFFFF00);
+                cases.append({QStringLiteral("%1 far offset at %2").arg(base).arg(field), far});
+            }
+            QByteArray bigNode = good;
+            putWord32(bigNode, spriteTable + 20, 0x7FFFFFFF);
+            putWord16(bigNode, spriteTable + 4, 0xFFFF);
+            putWord16(bigNode, spriteTable + 6, 0xFFFF);
+            cases.append({base + QStringLiteral(" huge sprite"), bigNode});
+            // Sprite 0 made a link to a later sprite, to itself, and out of the list.
+            for (quint16 target : {quint16(1), quint16(0), quint16(0xFFFF)}) {
+                QByteArray forward = good;
+                putWord32(forward, spriteTable + 20, 0);
+                putWord16(forward, spriteTable + 12, target);
+                cases.append({QStringLiteral("%1 link to %2").arg(base).arg(target), forward, true});
+            }
+            // Two sprites linked to each other.
+            QByteArray cycle = good;
+            putWord32(cycle, spriteTable + 20, 0);
+            putWord16(cycle, spriteTable + 12, 1);
+            putWord32(cycle, spriteTable + 28 + 20, 0);
+            putWord16(cycle, spriteTable + 28 + 12, 0);
+            cases.append({base + QStringLiteral(" link cycle"), cycle, true});
+        }
+    }
+
+    int refused = 0;
+    for (qsizetype n = 0; n < cases.size(); ++n) {
+        const Damaged &c = cases.at(n);
+        const QString path = dir.filePath(QStringLiteral("damaged%1.sff").arg(n));
+        QVERIFY(writeAll(path, c.bytes));
+        const QString out = dir.filePath(QStringLiteral("out%1").arg(n));
+
+        const Run info = runTool({QStringLiteral("info"), path, QStringLiteral("--json")});
+        QVERIFY2(!info.crashed && info.code >= 0 && info.code <= 2, qPrintable(c.name + "\n" + describe(info)));
+        if (c.mustFail)
+            QVERIFY2(info.code == 2 && !info.err.isEmpty(), qPrintable(c.name + "\n" + describe(info)));
+        if (info.code == 2) {
+            ++refused;
+            QVERIFY2(info.out.isEmpty(), qPrintable(c.name));
+            QVERIFY2(info.err.contains("brawlforge-cli: "), qPrintable(c.name + "\n" + describe(info)));
+        } else {
+            QVERIFY2(QJsonDocument::fromJson(info.out).isObject(), qPrintable(c.name));
+        }
+
+        const Run exported = runTool({QStringLiteral("sprites"), QStringLiteral("export"), path, out});
+        QVERIFY2(!exported.crashed && exported.code >= 0 && exported.code <= 2,
+                 qPrintable(c.name + "\n" + describe(exported)));
+        // Whatever info said about the file, export says too.
+        QVERIFY2((exported.code == 2) == (info.code == 2), qPrintable(c.name + "\n" + describe(exported)));
+        if (exported.code != 2)
+            QVERIFY2(QFileInfo::exists(out + QStringLiteral("/sprites.txt")), qPrintable(c.name));
+
+        const Run converted = runTool({QStringLiteral("sprites"), QStringLiteral("convert"), path,
+                                       out + QStringLiteral(".sff"), QStringLiteral("--to"),
+                                       n % 2 ? QStringLiteral("1.01") : QStringLiteral("2.01")});
+        QVERIFY2(!converted.crashed && converted.code >= 0 && converted.code <= 2,
+                 qPrintable(c.name + "\n" + describe(converted)));
+    }
+    qInfo("%lld damaged files, %d refused as a whole", qlonglong(cases.size()), refused);
+}
+
+QTEST_GUILESS_MAIN(TestCli)
+#include "tst_cli.moc"
