@@ -1,10 +1,10 @@
 #include "core/qactionmanager.h"
 
 #include "core/qaction2.h"
+#include "core/qxmlhelper.h"
 
 #include <QAction>
 #include <QDomDocument>
-#include <QFile>
 #include <QSaveFile>
 
 namespace {
@@ -151,13 +151,16 @@ void QActionManager::retranslate()
     emit headerDataChanged(Qt::Horizontal, 0, 1);
 }
 
+void QActionManager::retranslate(QAction2 *action)
+{
+    if (action)
+        action->updateTexts(m_translation);
+}
+
 bool QActionManager::load(const QString &fileName)
 {
-    QFile file(fileName);
-    if (!file.open(QIODevice::ReadOnly))
-        return false;
     QDomDocument doc;
-    if (!doc.setContent(&file))
+    if (!QXmlHelper::parseFile(doc, fileName))
         return false;
     const QDomElement root = doc.documentElement();
     if (root.tagName() != QLatin1String(kRoot))

@@ -55,6 +55,7 @@ public:
 
     // Rewrites the texts of every action, e.g. after a change of language.
     void retranslate();
+    void retranslate(QAction2 *action);
 
     // Shortcut file: type "ORVShortcutML", root "shortcuts". A missing file is
     // no error (returns false, nothing changes).

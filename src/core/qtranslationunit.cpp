@@ -748,3 +748,13 @@ void QTranslationUnit::retranslate(QAction *action, int id, const QString &short
     action->setStatusTip(tip);
     action->setWhatsThis(whatsThis(id));
 }
+
+void QTranslationUnit::retranslateMenu(QObject *menu, int id) const
+{
+    if (!menu)
+        return;
+    const QString tip = toolTip(id);
+    menu->setProperty("title", text(id));
+    menu->setProperty("toolTip", tip);
+    menu->setProperty("statusTip", tip);
+}

@@ -28,4 +28,7 @@ public:
     void retranslate(QAction *action, int id) const;
     // The same with " (keys)" appended to the caption, for actions that carry a shortcut.
     void retranslate(QAction *action, int id, const QString &shortcutText) const;
+    // Title, tool tip and status tip of a menu. Reached through properties, so
+    // this table needs no widget library.
+    void retranslateMenu(QObject *menu, int id) const;
 };

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <QAbstractListModel>
+#include <QColor>
+#include <QMap>
+#include <QStringList>
+
+// Lists the colour sets beside the program (one XML file each) and holds the
+// colours of the current one: the roles of the code editor and of the stage.
+class QColorsetManager : public QAbstractListModel
+{
+    Q_OBJECT
+
+public:
+    struct Entry
+    {
+        QColor color = Qt::black;
+        bool bold = false;
+        bool italic = false;
+    };
+
+    static constexpr int RoleCount = 19;
+    static QString roleKey(int index);
+    static QString roleCaption(int index);
+    // Black or white, whichever reads better on the given background.
+    static QColor contrast(const QColor &background);
+
+    explicit QColorsetManager(const QString &folder, QObject *parent = nullptr);
+    ~QColorsetManager() override;
+
+    int count() const { return int(m_names.size()); }
+    QString name(int i) const { return m_names.value(i); }
+    QString current() const { return m_current; }
+
+    bool load(const QString &name);
+    bool save(const QString &fileName, bool rename);
+    Entry color(const QString &key) const { return m_colors.value(key); }
+    void setColor(const QString &key, const Entry &entry);
+    QMap<QString, Entry> colors() const { return m_colors; }
+
+    void refresh();
+
+    int rowCount(const QModelIndex &parent = QModelIndex()) const override;
+    QVariant data(const QModelIndex &index, int role = Qt::DisplayRole) const override;
+
+private:
+    QList<int> presentRoles() const;
+
+    QMap<QString, Entry> m_colors;
+    QString m_folder;
+    QStringList m_names;
+    QString m_current;
+};

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <QObject>
+#include <QString>
+
+// A document whose file is watched for changes made by other programs.
+class QFileWatchObject : public QObject
+{
+    Q_OBJECT
+
+public:
+    using QObject::QObject;
+
+    virtual QString fileName() const = 0;
+    virtual void reload(const QString &fileName) = 0;
+
+    // Set while the program itself writes the file, so its own save is not
+    // taken for an outside change.
+    bool suspended = false;
+};
