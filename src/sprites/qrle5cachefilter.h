@@ -1,0 +1,10 @@
+#pragma once
+
+#include "sprites/qbfcachefilter.h"
+
+// Runs of 5-bit colours in groups (read only; the program never writes it).
+class QRLE5CacheFilter : public QBFCacheFilter
+{
+public:
+    QByteArray decode(const QByteArray &stored, const QSpriteSize &size) const override;
+};

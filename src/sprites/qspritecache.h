@@ -1,0 +1,96 @@
+#pragma once
+
+#include <QByteArray>
+#include <QHash>
+#include <QString>
+#include <QTemporaryFile>
+
+#include "sprites/qcacheentry.h"
+#include "sprites/qspritesize.h"
+
+class QBFCacheFilter;
+
+// Process-wide pooled byte store for sprite pixels and sound samples. Items
+// are kept in the form they came in (usually compressed by a codec) and are
+// named by 32-bit handles, 0 meaning none. In memory mode the bytes stay in
+// memory; in temporary-file mode they go to one temporary file per cache,
+// which only grows until the cache is cleared.
+//
+// Rule for callers: bytes that belong to a codec filter are added with
+// compressIt false; raw bytes are added with compressIt true.
+//
+// A cache is used from one thread; only the record pool is shared (and locked).
+class QSpriteCache
+{
+public:
+    enum Mode { Memory = 0, TemporaryFile = 1 };
+
+    // `stem` names the temporary file (in QDir::tempPath()). If the file can't
+    // be opened the cache quietly works in memory.
+    explicit QSpriteCache(const QString &stem = QStringLiteral("mugenspr"), int mode = Memory,
+                          bool compress = true, int level = -1);
+    ~QSpriteCache();
+    QSpriteCache(const QSpriteCache &) = delete;
+    QSpriteCache &operator=(const QSpriteCache &) = delete;
+
+    // Drops every entry and starts over with new settings.
+    void configure(int mode, bool compress, int level = -1);
+
+    int mode() const { return m_mode; }
+    bool compression() const { return m_compress; }
+    int level() const { return m_level; }
+
+    // Stores bytes (through qCompress if compression is on and compressIt is
+    // set) and returns the new handle.
+    quint32 add(const QByteArray &bytes, bool compressIt);
+    // Stores new bytes under an existing handle; false if the handle is unknown.
+    bool replace(quint32 id, const QByteArray &bytes, bool compressIt);
+    // Reads an item back; false only for an unknown handle. With a filter the
+    // stored bytes go through it; without one, and with compression on, they
+    // are uncompressed (bytes that weren't compressed then come back empty).
+    bool get(quint32 id, QByteArray &out, const QBFCacheFilter *filter = nullptr,
+             const QSpriteSize &size = QSpriteSize()) const;
+    bool remove(quint32 id);
+    void clear();
+    // True if both handles exist and their stored bytes are equal.
+    bool same(quint32 idA, quint32 idB) const;
+
+    bool contains(quint32 id) const { return m_entries.contains(id); }
+    int count() const { return int(m_entries.size()); }
+    quint64 storedTotal() const;
+    quint64 originalTotal() const;
+    // Size of the temporary file (0 in memory mode).
+    qint64 fileSize() const;
+    QString fileName() const;
+
+    // Reads that went through anything but the pass-through filter, i.e. that
+    // produced pixels or samples, process-wide. Lets tests prove that an
+    // operation never looked at image data.
+    static quint64 decodeCount();
+
+    // Deletes the free records of the pool (when a cache dies or a project closes).
+    static void purge();
+    // Records in the pool, and how many of them are free.
+    static int poolSize();
+    static int poolFree();
+
+    // The process-wide cache for undo images: stem "sprUndo", temporary file,
+    // compression on, level -1. Created at start-up, destroyed at exit.
+    static QSpriteCache *createUndoCache();
+    static QSpriteCache *undoCache();
+    static void destroyUndoCache();
+
+private:
+    QByteArray storedBytes(const QCacheEntry &e) const;
+    void store(QCacheEntry &e, const QByteArray &bytes, bool compressIt);
+    quint32 newId();
+
+    int m_mode = Memory;
+    bool m_compress = true;
+    int m_level = -1;
+    QString m_stem;
+    QHash<quint32, QCacheEntry *> m_entries;
+    mutable QTemporaryFile m_file;
+    bool m_fileOpen = false;
+    qint64 m_fileEnd = 0;
+};
