@@ -1,10 +1,35 @@
+#include "core/qxmlhelper.h"
+#include "core/ui/mainwindow.h"
+
 #include <QApplication>
-#include <QLabel>
+#include <QMessageBox>
+#include <QPixmap>
+#include <QSplashScreen>
+#include <QThread>
+
+namespace {
+QApplication *application = nullptr;
+}
 
 int main(int argc, char *argv[])
 {
-    QApplication app(argc, argv);
-    QLabel l(QStringLiteral("Brawlforge"));
-    l.show();
-    return app.exec();
+    // Rendering through OpenGL is chosen per widget in Qt 6; nothing is set
+    // globally before the application object exists.
+    application = new QApplication(argc, argv);
+    QXmlHelper::setFailureHandler([](const QString &message) {
+        QMessageBox::critical(nullptr, QObject::tr("XML"), message);
+    });
+
+    auto *splash = new QSplashScreen(QPixmap(QStringLiteral(":/imgs/Imgs/Splash.png")));
+    splash->show();
+    QCoreApplication::processEvents();
+    // Deliberate: even a fast start shows the splash for a full second.
+    QThread::msleep(1000);
+
+    MainWindow window;
+    window.show();
+    delete splash;
+
+    const int result = QApplication::exec();
+    return result;
 }

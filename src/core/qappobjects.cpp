@@ -1,0 +1,16 @@
+#include "qappobjects.h"
+
+namespace Bf {
+QIconsetManager *iconsets = nullptr;
+QStylesheetManager *stylesheets = nullptr;
+QColorsetManager *colorsets = nullptr;
+SyntaxFormats *syntaxFormats = nullptr;
+QMugenModel *config = nullptr;
+QPresetManager *presets = nullptr;
+QLanguageManager *languages = nullptr;
+QSCtrlManager *sctrls = nullptr;
+QScriptManager *scripts = nullptr;
+QSnippetManager *snippets = nullptr;
+QFileWatcherManager *fileWatcher = nullptr;
+QInterface *mainInterface = nullptr;
+} // namespace Bf

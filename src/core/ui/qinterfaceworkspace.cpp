@@ -1,0 +1,6 @@
+#include "qinterfaceworkspace.h"
+
+QInterfaceWorkspace::~QInterfaceWorkspace()
+{
+    delete m_widget.data();
+}
