@@ -15,42 +15,132 @@
 namespace {
 
 // Records of all caches, reused so that loading and closing projects with
-// thousands of sprites doesn't churn the allocator.
+// thousands of sprites doesn't churn the allocator. Records are made in
+// chunks, and a handle is a record's place in the pool (plus one, so that 0
+// names nothing) with a generation count on top: finding an entry is an
+// array lookup, and no cache needs a table of its own.
+constexpr int IndexBits = 22;
+constexpr quint32 IndexMask = (1u << IndexBits) - 1;
+constexpr int ChunkBits = 10;
+constexpr quint32 ChunkSize = 1u << ChunkBits;
+constexpr quint32 MaxChunks = (1u << IndexBits) / ChunkSize;
+// The last place would make a handle with an empty place part.
+constexpr quint32 MaxRecords = MaxChunks * ChunkSize - 1;
+
 struct RecordPool
 {
     QRecursiveMutex lock;
-    std::vector<std::unique_ptr<QCacheEntry>> all;
-    std::vector<QCacheEntry *> free;
+    // Written under the lock, read without it by the caches' lookups.
+    std::atomic<QCacheEntry *> chunks[MaxChunks] = {};
+    quint16 carved[MaxChunks] = {};  // records handed out of each chunk so far
+    quint32 epoch[MaxChunks] = {};   // first generation of a chunk made again
+    std::vector<quint32> free;       // places of the free records
+    quint32 carvedTotal = 0;
+    quint32 cursor = 0;              // no chunk below it has room left
+
+    ~RecordPool()
+    {
+        for (auto &c : chunks)
+            delete[] c.load(std::memory_order_relaxed);
+    }
+
+    QCacheEntry *at(quint32 place) const
+    {
+        if (place >= MaxRecords)
+            return nullptr;
+        QCacheEntry *chunk = chunks[place >> ChunkBits].load(std::memory_order_acquire);
+        return chunk ? chunk + (place & (ChunkSize - 1)) : nullptr;
+    }
+
+    // Under the lock. False when the pool is full.
+    bool carve(quint32 &place)
+    {
+        while (cursor < MaxChunks) {
+            QCacheEntry *chunk = chunks[cursor].load(std::memory_order_relaxed);
+            if (!chunk) {
+                chunk = new QCacheEntry[ChunkSize];
+                for (quint32 k = 0; k < ChunkSize; ++k)
+                    chunk[k].id = epoch[cursor] << IndexBits;
+                chunks[cursor].store(chunk, std::memory_order_release);
+                carved[cursor] = 0;
+            }
+            if (carved[cursor] < ChunkSize) {
+                place = cursor * ChunkSize + carved[cursor];
+                if (place >= MaxRecords)
+                    return false;
+                ++carved[cursor];
+                ++carvedTotal;
+                return true;
+            }
+            ++cursor;
+        }
+        return false;
+    }
+
+    // Takes up to `count` records and gives each its next handle, written to
+    // `ids`. Returns how many it took (fewer only when the pool is full).
+    qsizetype take(quint32 *ids, qsizetype count)
+    {
+        QMutexLocker locker(&lock);
+        for (qsizetype i = 0; i < count; ++i) {
+            quint32 place;
+            if (!free.empty()) {
+                place = free.back();
+                free.pop_back();
+            } else if (!carve(place)) {
+                return i;
+            }
+            QCacheEntry *e = at(place);
+            const quint32 generation = (e->id >> IndexBits) + 1;
+            e->id = (generation << IndexBits) | (place + 1);
+            ids[i] = e->id;
+        }
+        return count;
+    }
 
     QCacheEntry *take()
     {
-        QMutexLocker locker(&lock);
-        if (!free.empty()) {
-            QCacheEntry *e = free.back();
-            free.pop_back();
-            return e;
-        }
-        all.push_back(std::make_unique<QCacheEntry>());
-        return all.back().get();
+        quint32 id = 0;
+        return take(&id, 1) == 1 ? at((id & IndexMask) - 1) : nullptr;
     }
 
-    void release(QCacheEntry *e)
+    // The records must have been reset.
+    void release(const quint32 *ids, qsizetype count)
     {
-        e->reset();
         QMutexLocker locker(&lock);
-        free.push_back(e);
+        for (qsizetype i = 0; i < count; ++i)
+            free.push_back((ids[i] & IndexMask) - 1);
     }
 
+    // Deletes every chunk whose records are all free; a chunk with a record
+    // in use keeps its free ones for the next takes.
     void purge()
     {
         QMutexLocker locker(&lock);
         if (free.empty())
             return;
-        std::sort(free.begin(), free.end());
-        std::erase_if(all, [this](const std::unique_ptr<QCacheEntry> &p) {
-            return std::binary_search(free.begin(), free.end(), p.get());
-        });
-        free.clear();
+        std::vector<quint16> freeIn(MaxChunks, 0);
+        for (quint32 place : free)
+            ++freeIn[place >> ChunkBits];
+        bool any = false;
+        for (quint32 c = 0; c < MaxChunks; ++c) {
+            if (carved[c] == 0 || freeIn[c] != carved[c])
+                continue;
+            QCacheEntry *chunk = chunks[c].exchange(nullptr, std::memory_order_acq_rel);
+            // A chunk made here again goes on counting where this one stopped.
+            quint32 top = epoch[c];
+            for (quint32 k = 0; k < ChunkSize; ++k)
+                top = std::max(top, chunk[k].id >> IndexBits);
+            epoch[c] = top + 1;
+            delete[] chunk;
+            carvedTotal -= carved[c];
+            carved[c] = 0;
+            freeIn[c] = 0xFFFF; // marks the chunk as gone
+            cursor = std::min(cursor, c);
+            any = true;
+        }
+        if (any)
+            std::erase_if(free, [&freeIn](quint32 place) { return freeIn[place >> ChunkBits] == 0xFFFF; });
     }
 };
 
@@ -69,7 +159,6 @@ std::unique_ptr<QSpriteCache> &undoHolder()
     return holder;
 }
 
-QAtomicInteger<quint32> lastId(0);
 
 // qUncompress of bytes that weren't compressed by us: the 4-byte size header
 // must name the length the caller stored, otherwise the result is empty (and
@@ -120,13 +209,21 @@ void QSpriteCache::configure(int mode, bool compress, int level)
     }
 }
 
-quint32 QSpriteCache::newId()
+QCacheEntry *QSpriteCache::entry(quint32 id) const
 {
-    quint32 id;
-    do {
-        id = lastId.fetchAndAddRelaxed(1) + 1;
-    } while (id == 0 || m_entries.contains(id));
-    return id;
+    const quint32 place = id & IndexMask;
+    if (place == 0)
+        return nullptr;
+    QCacheEntry *e = pool().at(place - 1);
+    if (!e || e->id != id || e->slot >= m_ids.size() || m_ids[e->slot] != id)
+        return nullptr;
+    return e;
+}
+
+void QSpriteCache::attach(QCacheEntry *e)
+{
+    e->slot = quint32(m_ids.size());
+    m_ids.push_back(e->id);
 }
 
 void QSpriteCache::store(QCacheEntry &e, const QByteArray &bytes, bool compressIt)
@@ -154,15 +251,67 @@ void QSpriteCache::store(QCacheEntry &e, const QByteArray &bytes, bool compressI
 quint32 QSpriteCache::add(const QByteArray &bytes, bool compressIt)
 {
     QCacheEntry *e = pool().take();
-    e->id = newId();
+    if (!e)
+        return 0; // millions of items: the pool is full
     store(*e, bytes, compressIt);
-    m_entries.insert(e->id, e);
+    attach(e);
     return e->id;
+}
+
+void QSpriteCache::addSlices(const QByteArray &block, const Slice *slices, qsizetype count, quint32 *ids)
+{
+    if (count <= 0)
+        return;
+    RecordPool &p = pool();
+    const qsizetype taken = p.take(ids, count);
+    std::fill(ids + taken, ids + count, 0u);
+    m_ids.reserve(m_ids.size() + size_t(taken));
+
+    const qsizetype blockSize = block.size();
+    auto cut = [blockSize](const Slice &s, qsizetype &from, qsizetype &length) {
+        from = qMin<qsizetype>(s.offset, blockSize);
+        length = qMin<qsizetype>(s.length, blockSize - from);
+    };
+
+    // In file mode the block goes to the file once, in one write.
+    qint64 base = -1;
+    if (m_fileOpen) {
+        if (m_file.seek(m_fileEnd) && m_file.write(block) == blockSize) {
+            base = m_fileEnd;
+            m_fileEnd += blockSize;
+        } else {
+            m_file.resize(m_fileEnd);
+        }
+    }
+
+    // Every slice holds a reference to the block: taken all at once.
+    QByteArray shared = block;
+    QByteArray::DataPointer &whole = shared.data_ptr();
+    QArrayData *header = whole.d_ptr();
+    if (base < 0 && header)
+        header->ref_.fetchAndAddRelaxed(int(taken));
+
+    for (qsizetype i = 0; i < taken; ++i) {
+        QCacheEntry *e = p.at((ids[i] & IndexMask) - 1);
+        qsizetype from, length;
+        cut(slices[i], from, length);
+        e->originalSize = e->storedSize = quint32(length);
+        if (base >= 0) {
+            e->inFile = true;
+            e->filePos = base + from;
+        } else if (header) {
+            e->bytes = QByteArray(QByteArray::DataPointer(whole.d_ptr(), whole.data() + from, length));
+        } else {
+            // Bytes not owned by any block (raw data): copied.
+            e->bytes = QByteArray(block.constData() + from, length);
+        }
+        attach(e);
+    }
 }
 
 bool QSpriteCache::replace(quint32 id, const QByteArray &bytes, bool compressIt)
 {
-    QCacheEntry *e = m_entries.value(id);
+    QCacheEntry *e = entry(id);
     if (!e)
         return false;
     store(*e, bytes, compressIt);
@@ -171,7 +320,7 @@ bool QSpriteCache::replace(quint32 id, const QByteArray &bytes, bool compressIt)
 
 bool QSpriteCache::copyStored(QCacheEntry &e, const QSpriteCache &from, quint32 fromId)
 {
-    const QCacheEntry *src = from.m_entries.value(fromId);
+    const QCacheEntry *src = from.entry(fromId);
     if (!src)
         return false;
     const quint32 original = src->originalSize;
@@ -182,18 +331,19 @@ bool QSpriteCache::copyStored(QCacheEntry &e, const QSpriteCache &from, quint32 
 
 quint32 QSpriteCache::copyEntry(const QSpriteCache &from, quint32 fromId)
 {
-    if (!from.m_entries.contains(fromId))
+    if (!from.entry(fromId))
         return 0;
     QCacheEntry *e = pool().take();
-    e->id = newId();
+    if (!e)
+        return 0;
     copyStored(*e, from, fromId);
-    m_entries.insert(e->id, e);
+    attach(e);
     return e->id;
 }
 
 bool QSpriteCache::replaceEntry(quint32 id, const QSpriteCache &from, quint32 fromId)
 {
-    QCacheEntry *e = m_entries.value(id);
+    QCacheEntry *e = entry(id);
     return e && copyStored(*e, from, fromId);
 }
 
@@ -217,7 +367,7 @@ quint64 QSpriteCache::decodeCount()
 
 bool QSpriteCache::get(quint32 id, QByteArray &out, const QBFCacheFilter *filter, const QSpriteSize &size) const
 {
-    const QCacheEntry *e = m_entries.value(id);
+    const QCacheEntry *e = entry(id);
     if (!e)
         return false;
     if (!filter || filter != QBFCacheFilter::byPass())
@@ -232,18 +382,26 @@ bool QSpriteCache::get(quint32 id, QByteArray &out, const QBFCacheFilter *filter
 
 bool QSpriteCache::remove(quint32 id)
 {
-    QCacheEntry *e = m_entries.take(id);
+    QCacheEntry *e = entry(id);
     if (!e)
         return false;
-    pool().release(e);
+    // The last handle takes the freed slot.
+    const quint32 last = m_ids.back();
+    m_ids[e->slot] = last;
+    pool().at((last & IndexMask) - 1)->slot = e->slot;
+    m_ids.pop_back();
+    e->reset();
+    pool().release(&id, 1);
     return true;
 }
 
 void QSpriteCache::clear()
 {
-    for (QCacheEntry *e : std::as_const(m_entries))
-        pool().release(e);
-    m_entries.clear();
+    RecordPool &p = pool();
+    for (quint32 id : m_ids)
+        p.at((id & IndexMask) - 1)->reset();
+    p.release(m_ids.data(), qsizetype(m_ids.size()));
+    m_ids.clear();
     if (m_fileOpen) {
         m_file.resize(0);
         m_fileEnd = 0;
@@ -252,8 +410,8 @@ void QSpriteCache::clear()
 
 bool QSpriteCache::same(quint32 idA, quint32 idB) const
 {
-    const QCacheEntry *a = m_entries.value(idA);
-    const QCacheEntry *b = m_entries.value(idB);
+    const QCacheEntry *a = entry(idA);
+    const QCacheEntry *b = entry(idB);
     if (!a || !b)
         return false;
     if (a == b)
@@ -266,16 +424,16 @@ bool QSpriteCache::same(quint32 idA, quint32 idB) const
 quint64 QSpriteCache::storedTotal() const
 {
     quint64 total = 0;
-    for (const QCacheEntry *e : m_entries)
-        total += e->storedSize;
+    for (quint32 id : m_ids)
+        total += pool().at((id & IndexMask) - 1)->storedSize;
     return total;
 }
 
 quint64 QSpriteCache::originalTotal() const
 {
     quint64 total = 0;
-    for (const QCacheEntry *e : m_entries)
-        total += e->originalSize;
+    for (quint32 id : m_ids)
+        total += pool().at((id & IndexMask) - 1)->originalSize;
     return total;
 }
 
@@ -298,7 +456,7 @@ int QSpriteCache::poolSize()
 {
     RecordPool &p = pool();
     QMutexLocker locker(&p.lock);
-    return int(p.all.size());
+    return int(p.carvedTotal);
 }
 
 int QSpriteCache::poolFree()

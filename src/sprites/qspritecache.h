@@ -1,9 +1,9 @@
 #pragma once
 
 #include <QByteArray>
-#include <QHash>
 #include <QString>
 #include <QTemporaryFile>
+#include <vector>
 
 #include "sprites/qcacheentry.h"
 #include "sprites/qspritesize.h"
@@ -43,6 +43,18 @@ public:
     // Stores bytes (through qCompress if compression is on and compressIt is
     // set) and returns the new handle.
     quint32 add(const QByteArray &bytes, bool compressIt);
+    // Part of a block given to addSlices(): `length` bytes from `offset`.
+    struct Slice
+    {
+        quint32 offset = 0;
+        quint32 length = 0;
+    };
+    // Stores `count` items at once, item i being the bytes of slices[i] in
+    // `block` (cut to the block's end), as they are: no compression. The
+    // items share the block instead of copying it, and in file mode the block
+    // is written once. Writes the new handles to `ids`. This is how a file's
+    // sprites enter the cache: one allocation and one lock for all of them.
+    void addSlices(const QByteArray &block, const Slice *slices, qsizetype count, quint32 *ids);
     // Stores new bytes under an existing handle; false if the handle is unknown.
     bool replace(quint32 id, const QByteArray &bytes, bool compressIt);
     // Reads an item back; false only for an unknown handle. With a filter the
@@ -61,8 +73,8 @@ public:
     // True if both handles exist and their stored bytes are equal.
     bool same(quint32 idA, quint32 idB) const;
 
-    bool contains(quint32 id) const { return m_entries.contains(id); }
-    int count() const { return int(m_entries.size()); }
+    bool contains(quint32 id) const { return entry(id) != nullptr; }
+    int count() const { return int(m_ids.size()); }
     quint64 storedTotal() const;
     quint64 originalTotal() const;
     // Size of the temporary file (0 in memory mode).
@@ -87,16 +99,18 @@ public:
     static void destroyUndoCache();
 
 private:
+    QCacheEntry *entry(quint32 id) const;
+    void attach(QCacheEntry *e);
     QByteArray storedBytes(const QCacheEntry &e) const;
     void store(QCacheEntry &e, const QByteArray &bytes, bool compressIt);
     bool copyStored(QCacheEntry &e, const QSpriteCache &from, quint32 fromId);
-    quint32 newId();
 
     int m_mode = Memory;
     bool m_compress = true;
     int m_level = -1;
     QString m_stem;
-    QHash<quint32, QCacheEntry *> m_entries;
+    // Handles of this cache's entries; each record knows its slot here.
+    std::vector<quint32> m_ids;
     mutable QTemporaryFile m_file;
     bool m_fileOpen = false;
     qint64 m_fileEnd = 0;

@@ -222,7 +222,7 @@ void QSprites::clear()
     beginResetModel();
     paletteObject.beginReset();
     undoStack.clear();
-    qDeleteAll(sprites);
+    QSpriteItem::destroyMany(sprites.constData(), sprites.size());
     sprites.clear();
     palettes.clear();
     cache.clear();

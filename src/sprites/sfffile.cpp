@@ -18,6 +18,7 @@
 #include <algorithm>
 #include <cstring>
 #include <memory>
+#include <utility>
 #include <vector>
 
 namespace Sff {
@@ -118,13 +119,13 @@ quint8 ByteReader::u8()
     return m_data[m_pos++];
 }
 
-quint16 ByteReader::u16()
+quint16 ByteReader::slowU16()
 {
     const quint16 lo = u8();
     return quint16(lo | (quint16(u8()) << 8));
 }
 
-quint32 ByteReader::u32()
+quint32 ByteReader::slowU32()
 {
     const quint32 lo = u16();
     return lo | (quint32(u16()) << 16);
@@ -390,11 +391,49 @@ int chainEnd(const std::vector<QSpriteItem *> &items, int index)
 // Reading
 // -------------------------------------------------------------------------
 
+// Sprite records made by a load and not yet handed to the store.
+class ItemList
+{
+public:
+    ItemList() = default;
+    ItemList(const ItemList &) = delete;
+    ItemList &operator=(const ItemList &) = delete;
+    ~ItemList() { clear(); }
+
+    void clear()
+    {
+        QSpriteItem::destroyMany(m_items.data(), qsizetype(m_items.size()));
+        m_items.clear();
+    }
+    // Appends `count` fresh records.
+    void grow(qsizetype count)
+    {
+        const size_t start = m_items.size();
+        m_items.resize(start + size_t(count));
+        QSpriteItem::createMany(m_items.data() + start, count);
+    }
+    void push(std::unique_ptr<QSpriteItem> item) { m_items.push_back(item.release()); }
+    // Hands the records over; the list is left empty.
+    std::vector<QSpriteItem *> release() { return std::exchange(m_items, {}); }
+
+    size_t size() const { return m_items.size(); }
+    bool empty() const { return m_items.empty(); }
+    QSpriteItem *operator[](size_t i) const { return m_items[i]; }
+    const std::vector<QSpriteItem *> &pointers() const { return m_items; }
+
+private:
+    std::vector<QSpriteItem *> m_items;
+};
+
 class SffReader
 {
 public:
-    SffReader(QSprites &store, const QString &name, const uchar *data, qint64 size, bool isCharacter)
-        : s(store), name(name), in(data, size), data(data), isCharacter(isCharacter)
+    // `file` is open; `data` holds its `size` bytes, mapped or read. `wholeFile`,
+    // if not empty, is those bytes as an array the cache may share.
+    SffReader(QSprites &store, const QString &name, QFile &file, const uchar *data, qint64 size,
+              const QByteArray &wholeFile, bool isCharacter)
+        : s(store), name(name), in(data, size), data(data), file(file), wholeFile(wholeFile),
+          isCharacter(isCharacter)
     {
     }
 
@@ -403,7 +442,7 @@ public:
     // Reads everything after the head; the sprites read are left in `items`.
     Result read(quint32 version, const QPaletteList &keptPalettes);
 
-    std::vector<std::unique_ptr<QSpriteItem>> owned;
+    ItemList owned;
 
 private:
     Result readV1(const QPaletteList &keptPalettes);
@@ -426,19 +465,16 @@ private:
             s.messages->addError(text);
         emit s.fileError(tr("Sprite loading error"), text);
     }
-    std::vector<QSpriteItem *> itemPointers() const
-    {
-        std::vector<QSpriteItem *> out;
-        out.reserve(owned.size());
-        for (const auto &it : owned)
-            out.push_back(it.get());
-        return out;
-    }
+    // The bytes [offset, offset + length) of the file, cut to its end, as one
+    // array the cache can share; `start` is where the array begins in the file.
+    QByteArray block(qint64 offset, qint64 length, qint64 &start) const;
 
     QSprites &s;
     QString name;
     ByteReader in;
     const uchar *data;
+    QFile &file;
+    QByteArray wholeFile;
     bool isCharacter;
 };
 
@@ -559,7 +595,7 @@ SffReader::Result SffReader::readV1(const QPaletteList &keptPalettes)
             }
             int target = sh.link;
             for (size_t steps = 0;; ++steps) {
-                const QSpriteItem *t = owned[size_t(target)].get();
+                const QSpriteItem *t = owned[size_t(target)];
                 if (t->info.hasImage || target == 0)
                     break;
                 if (t->info.link == target || t->info.link >= owned.size() || steps > owned.size()) {
@@ -568,12 +604,12 @@ SffReader::Result SffReader::readV1(const QPaletteList &keptPalettes)
                 }
                 target = t->info.link;
             }
-            const QSpriteItem *t = owned[size_t(target)].get();
+            const QSpriteItem *t = owned[size_t(target)];
             item->setSpriteSize(t->spriteSize());
             item->info.palette = sh.samePalette == 1 ? quint16(last) : t->info.palette;
             last = item->info.palette;
         }
-        owned.push_back(std::move(item));
+        owned.push(std::move(item));
         if (!progress(i + 1, images))
             return Failed;
     }
@@ -607,10 +643,11 @@ SffReader::Result SffReader::readV2(quint32 version)
         node = V2PaletteNode::read(in);
     in.seek(h.spriteOffset);
     std::vector<V2SpriteNode> sprNodes(spriteCount);
-    owned.reserve(spriteCount);
-    for (auto &node : sprNodes) {
+    owned.grow(spriteCount);
+    for (size_t i = 0; i < sprNodes.size(); ++i) {
+        V2SpriteNode &node = sprNodes[i];
         node = V2SpriteNode::read(in);
-        auto item = std::make_unique<QSpriteItem>();
+        QSpriteItem *item = owned[i];
         item->filter = filterForCode(node.format);
         item->width = node.width;
         item->height = node.height;
@@ -626,12 +663,11 @@ SffReader::Result SffReader::readV2(quint32 version)
         item->offset = node.offset;
         item->format = node.format;
         item->size = node.length;
-        owned.push_back(std::move(item));
     }
 
     // Links that leave the list or run in a circle would leave sprites with
     // no image to show and the link flattening without an end.
-    const std::vector<QSpriteItem *> items = itemPointers();
+    const std::vector<QSpriteItem *> &items = owned.pointers();
     for (size_t i = 0; i < items.size(); ++i)
         if (!items[i]->info.hasImage && chainEnd(items, int(i)) < 0) {
             refuseLink(int(i), items[i]->info.link);
@@ -677,11 +713,54 @@ SffReader::Result SffReader::readV2(quint32 version)
                         .arg(pal->group).arg(pal->number).arg(pal->link));
     }
 
+    // Stored bytes that lie inside their data block become slices of one
+    // array per block, read at once and shared by the cache; the rest (raw
+    // pixels, and data that lies outside its block in a damaged file) is
+    // copied sprite by sprite.
+    struct Shared
+    {
+        qint64 offset = 0, length = 0; // the block in the file
+        bool used = false;
+        std::vector<QSpriteCache::Slice> slices;
+        std::vector<QSpriteItem *> owners;
+    } shared[2];
+    shared[0].offset = h.ldataOffset;
+    shared[0].length = h.ldataLength;
+    shared[1].offset = h.tdataOffset;
+    shared[1].length = h.tdataLength;
+    for (size_t i = 0; i < items.size(); ++i) {
+        const V2SpriteNode &node = sprNodes[i];
+        if (items[i]->info.hasImage && node.format != CodeRaw)
+            shared[node.flags & 1].used = true;
+    }
+    for (Shared &b : shared) {
+        b.offset = qBound<qint64>(0, b.offset, in.size());
+        b.length = qBound<qint64>(0, b.length, in.size() - b.offset);
+        // Slices are placed by 32-bit offsets.
+        if (!b.used || (b.offset + b.length) > qint64(0xFFFFFFFFu)) {
+            b.length = -1; // nothing lies inside
+            continue;
+        }
+        b.slices.reserve(items.size());
+        b.owners.reserve(items.size());
+    }
+
     for (size_t i = 0; i < items.size(); ++i) {
         QSpriteItem *item = items[i];
         const V2SpriteNode &node = sprNodes[i];
         if (item->info.hasImage) {
             const qint64 block = (node.flags & 1) ? h.tdataOffset : h.ldataOffset;
+            Shared &b = shared[node.flags & 1];
+            // After the four-byte size word, which isn't needed.
+            const qint64 from = block + qint64(node.offset) + 4;
+            if (node.format != CodeRaw && node.length >= 4 && from >= b.offset
+                && from + qint64(node.length) - 4 <= b.offset + b.length) {
+                b.slices.push_back({quint32(from - b.offset), node.length - 4});
+                b.owners.push_back(item);
+                if (!progress(++done, total))
+                    return Failed;
+                continue;
+            }
             in.clearOverrun();
             in.seek(block + qint64(node.offset));
             if (node.format == CodeRaw) {
@@ -716,7 +795,36 @@ SffReader::Result SffReader::readV2(quint32 version)
         if (!progress(++done, total))
             return Failed;
     }
+
+    std::vector<quint32> ids;
+    for (Shared &b : shared) {
+        if (b.slices.empty())
+            continue;
+        qint64 start = 0;
+        const QByteArray bytes = block(b.offset, b.length, start);
+        if (start != b.offset)
+            for (QSpriteCache::Slice &slice : b.slices)
+                slice.offset += quint32(b.offset - start);
+        ids.resize(b.slices.size());
+        s.cache.addSlices(bytes, b.slices.data(), qsizetype(b.slices.size()), ids.data());
+        for (size_t k = 0; k < ids.size(); ++k)
+            b.owners[k]->cacheId = ids[k];
+    }
     return Loaded;
+}
+
+QByteArray SffReader::block(qint64 offset, qint64 length, qint64 &start) const
+{
+    if (!wholeFile.isEmpty()) {
+        start = 0;
+        return wholeFile;
+    }
+    start = offset;
+    // One read straight into the array: no copy through a mapping.
+    QByteArray bytes(qsizetype(length), Qt::Uninitialized);
+    if (file.seek(offset) && file.read(bytes.data(), length) == length)
+        return bytes;
+    return QByteArray(reinterpret_cast<const char *>(data + offset), qsizetype(length));
 }
 
 } // namespace
@@ -749,7 +857,7 @@ QByteArray Sff::rawToPadded(const QByteArray &packed, const QSpriteSize &size)
 bool QSprites::fromFile(const QString &path, bool isCharacter, bool keepName)
 {
     QFile file(path);
-    if (!file.exists() || !file.open(QIODevice::ReadOnly))
+    if (!file.exists() || !file.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
         return false;
     QBFCacheFilter::createFilters();
 
@@ -769,7 +877,7 @@ bool QSprites::fromFile(const QString &path, bool isCharacter, bool keepName)
         buffer = file.readAll();
         data = reinterpret_cast<const uchar *>(buffer.constData());
     }
-    SffReader reader(*this, name, data, data ? size : 0, isCharacter);
+    SffReader reader(*this, name, file, data, data ? size : 0, buffer, isCharacter);
 
     ByteReader headIn(data, data ? size : 0);
     const Head head = Head::read(headIn);
@@ -802,13 +910,11 @@ bool QSprites::fromFile(const QString &path, bool isCharacter, bool keepName)
     }
 
     if (!reader.owned.empty()) {
-        beginInsertRows(QModelIndex(), 0, int(reader.owned.size()) - 1);
-        sprites.reserve(qsizetype(reader.owned.size()));
-        for (auto &item : reader.owned)
-            sprites.append(item.release());
+        const std::vector<QSpriteItem *> items = reader.owned.release();
+        beginInsertRows(QModelIndex(), 0, int(items.size()) - 1);
+        sprites = QList<QSpriteItem *>(items.begin(), items.end());
         endInsertRows();
     }
-    reader.owned.clear();
     undoEnabled = true;
 
     // Every link points straight at a sprite with an image and shows its
@@ -835,6 +941,78 @@ bool QSprites::fromFile(const QString &path, bool isCharacter, bool keepName)
 // -------------------------------------------------------------------------
 
 namespace {
+
+// A data block of the file being written, kept as pieces: stored bytes that
+// are written as they are stay where they are (in the cache's arrays), runs of
+// them that lie back to back in one array become one write, and the rest is
+// gathered in arrays of its own.
+class OutBlock
+{
+public:
+    qint64 size() const { return m_size; }
+
+    void append(const char *data, qsizetype length)
+    {
+        if (m_pieces.empty() || m_pieces.back().view)
+            m_pieces.push_back(Piece());
+        m_pieces.back().bytes.append(data, length);
+        m_size += length;
+    }
+    void append(const QByteArray &bytes) { append(bytes.constData(), bytes.size()); }
+
+    // A four-byte word, then stored bytes.
+    void appendStored(quint32 word, QByteArray bytes)
+    {
+        char w[4];
+        qToLittleEndian(word, w);
+        const qsizetype length = bytes.size();
+        if (length < MinShared) {
+            append(w, 4);
+            append(bytes);
+            return;
+        }
+        // Read as one with the previous piece if word and bytes follow it in
+        // the same array (as an unchanged file's sprites do).
+        if (!m_pieces.empty()) {
+            Piece &last = m_pieces.back();
+            QArrayData *block = bytes.data_ptr().d_ptr();
+            if (last.view && block && last.bytes.data_ptr().d_ptr() == block
+                && last.view + last.length + 4 == bytes.constData()
+                && std::memcmp(bytes.constData() - 4, w, 4) == 0) {
+                last.length += 4 + length;
+                m_size += 4 + length;
+                return;
+            }
+        }
+        append(w, 4);
+        const char *view = bytes.constData();
+        m_pieces.push_back(Piece{std::move(bytes), view, length});
+        m_size += length;
+    }
+
+    bool writeTo(QIODevice &out) const
+    {
+        for (const Piece &p : m_pieces) {
+            const char *data = p.view ? p.view : p.bytes.constData();
+            const qsizetype length = p.view ? p.length : p.bytes.size();
+            if (out.write(data, length) != length)
+                return false;
+        }
+        return true;
+    }
+
+private:
+    // Shorter stored bytes are copied: a piece of their own costs more.
+    static constexpr qsizetype MinShared = 256;
+    struct Piece
+    {
+        QByteArray bytes;           // own bytes, or the array `view` lies in
+        const char *view = nullptr; // null: the piece is `bytes` itself
+        qsizetype length = 0;
+    };
+    std::vector<Piece> m_pieces;
+    qint64 m_size = 0;
+};
 
 class SffWriter
 {
@@ -906,34 +1084,57 @@ void SffWriter::prepare()
 
 // Identical images stored the same way become links to the first of them,
 // whether or not the user asked: the file gets smaller and nothing shows
-// differently.
+// differently. Sprites are first told apart by what is cheap to know (shape,
+// stored length, the ends of the stored bytes); only those that agree on all
+// of it are hashed whole and compared.
 void SffWriter::foldDuplicates()
 {
-    QHash<size_t, QList<int>> seen;
     const QBFCacheFilter *byPass = QBFCacheFilter::byPass();
-    for (int i = 0; i < s.count(); ++i) {
+    const int n = s.count();
+    int current = 0;
+    QHash<size_t, int> newest;              // key -> latest unfolded sprite with it
+    std::vector<int> older(size_t(n), -1);  // the one before it with the same key
+    std::vector<size_t> full(size_t(n), 0); // whole-bytes hash, 0 until needed
+    newest.reserve(n);
+    QByteArray bytes;
+    auto fullHash = [&](int i) {
+        size_t &h = full[size_t(i)];
+        if (h == 0) {
+            QByteArray other;
+            if (i != current)
+                s.cache.get(s.sprites[i]->cacheId, other, byPass);
+            h = qHash(i == current ? bytes : other) | 1;
+        }
+        return h;
+    };
+    for (current = 0; current < n; ++current) {
+        const int i = current;
         QSpriteItem *item = s.sprites[i];
         if (item->info.hasImage && item->cacheId != 0) {
-            QByteArray bytes;
             s.cache.get(item->cacheId, bytes, byPass, item->spriteSize());
-            const size_t key = qHashMulti(0, bytes, item->filter, int(item->imageFormat), item->width, item->height);
-            QList<int> &candidates = seen[key];
+            const qsizetype edge = qMin<qsizetype>(16, bytes.size());
+            const size_t key = qHashMulti(0, bytes.size(), item->filter, int(item->imageFormat), item->width,
+                                          item->height, QByteArrayView(bytes.constData(), edge),
+                                          QByteArrayView(bytes.constData() + bytes.size() - edge, edge));
+            const auto found = newest.constFind(key);
             bool folded = false;
-            for (qsizetype c = candidates.size() - 1; c >= 0; --c) {
-                const QSpriteItem *other = s.sprites[candidates[c]];
+            for (int c = found == newest.cend() ? -1 : found.value(); c >= 0; c = older[size_t(c)]) {
+                const QSpriteItem *other = s.sprites[c];
                 if (other->filter == item->filter && other->imageFormat == item->imageFormat
                     && other->width == item->width && other->height == item->height
-                    && s.cache.same(other->cacheId, item->cacheId)) {
+                    && fullHash(c) == fullHash(i) && s.cache.same(other->cacheId, item->cacheId)) {
                     s.cache.remove(item->cacheId);
                     item->cacheId = 0;
                     item->info.hasImage = false;
-                    item->info.link = quint16(candidates[c]);
+                    item->info.link = quint16(c);
                     folded = true;
                     break;
                 }
             }
-            if (!folded)
-                candidates.append(i);
+            if (!folded) {
+                older[size_t(i)] = found == newest.cend() ? -1 : found.value();
+                newest.insert(key, i);
+            }
         }
         if (i > 0)
             announce(uint(i) + 1);
@@ -1087,8 +1288,7 @@ bool SffWriter::writeV1(QIODevice &out)
 
 bool SffWriter::writeV2(QIODevice &out)
 {
-    QByteArray ldata, tdata;
-    ldata.reserve(qsizetype(s.cache.storedTotal()) + 1024 * s.paletteCount() + 8 * s.count());
+    OutBlock ldata, tdata;
     std::vector<V2PaletteNode> palNodes(size_t(s.paletteCount()));
     for (int p = 0; p < s.paletteCount(); ++p) {
         const QPaletteItem *pal = s.palettes.item(p);
@@ -1121,7 +1321,7 @@ bool SffWriter::writeV2(QIODevice &out)
         node.link = item->info.link;
         node.palette = item->info.palette;
         node.flags = item->info.flags;
-        QByteArray &block = (item->info.flags & 1) ? tdata : ldata;
+        OutBlock &block = (item->info.flags & 1) ? tdata : ldata;
         node.offset = quint32(block.size());
         if (!item->info.hasImage || item->cacheId == 0) {
             node.format = CodeLinked;
@@ -1171,9 +1371,8 @@ bool SffWriter::writeV2(QIODevice &out)
             node.format = code;
             node.depth = depthForCode(code);
             node.length = quint32(bytes.size() + 4);
-            ByteWriter bw(block);
-            bw.u32(quint32(item->width) * item->height * quint32(bytesPerPixel(item->imageFormat)));
-            bw.bytes(bytes);
+            block.appendStored(quint32(item->width) * item->height * quint32(bytesPerPixel(item->imageFormat)),
+                               std::move(bytes));
         }
         if (!progress(uint(s.count()) + uint(s.paletteCount()) + uint(i) + 1))
             return false;
@@ -1196,8 +1395,7 @@ bool SffWriter::writeV2(QIODevice &out)
         node.write(tw);
     for (const auto &node : sprNodes)
         node.write(tw);
-    return out.write(tables) == tables.size() && out.write(ldata) == ldata.size()
-        && out.write(tdata) == tdata.size();
+    return out.write(tables) == tables.size() && ldata.writeTo(out) && tdata.writeTo(out);
 }
 
 } // namespace

@@ -3,6 +3,7 @@
 #include <QByteArray>
 #include <QImage>
 #include <QString>
+#include <QtEndian>
 #include <QtGlobal>
 
 #include "sprites/qspritesize.h"
@@ -80,15 +81,34 @@ public:
     void skip(qint64 count) { seek(m_pos + count); }
 
     quint8 u8();
-    quint16 u16();
+    // Whole words straight from the data while they fit; byte by byte (and
+    // zeros past the end) only at the end.
+    quint16 u16()
+    {
+        if (m_size - m_pos < 2)
+            return slowU16();
+        const quint16 v = qFromLittleEndian<quint16>(m_data + m_pos);
+        m_pos += 2;
+        return v;
+    }
     qint16 s16() { return qint16(u16()); }
-    quint32 u32();
+    quint32 u32()
+    {
+        if (m_size - m_pos < 4)
+            return slowU32();
+        const quint32 v = qFromLittleEndian<quint32>(m_data + m_pos);
+        m_pos += 4;
+        return v;
+    }
     // Up to `count` bytes; fewer (and the overrun mark) at the end of the data.
     QByteArray bytes(qint64 count);
     // Pointer to the current position, for callers that checked remaining().
     const uchar *current() const { return m_data + m_pos; }
 
 private:
+    quint16 slowU16();
+    quint32 slowU32();
+
     const uchar *m_data;
     qint64 m_size;
     qint64 m_pos = 0;
