@@ -145,18 +145,6 @@ QByteArray ByteReader::bytes(qint64 count)
     return out;
 }
 
-void ByteWriter::u16(quint16 v)
-{
-    u8(quint8(v));
-    u8(quint8(v >> 8));
-}
-
-void ByteWriter::u32(quint32 v)
-{
-    u16(quint16(v));
-    u16(quint16(v >> 16));
-}
-
 void ByteWriter::padTo(qint64 size)
 {
     if (size > m_out.size())
@@ -310,19 +298,22 @@ V2SpriteNode V2SpriteNode::read(ByteReader &in)
 
 void V2SpriteNode::write(ByteWriter &out) const
 {
-    out.u16(group);
-    out.u16(number);
-    out.u16(width);
-    out.u16(height);
-    out.u16(quint16(x));
-    out.u16(quint16(y));
-    out.u16(link);
-    out.u8(format);
-    out.u8(depth);
-    out.u32(offset);
-    out.u32(length);
-    out.u16(palette);
-    out.u16(flags);
+    // Laid out in place and appended at once: the writer emits thousands.
+    char b[SpriteNodeSize];
+    qToLittleEndian(group, b);
+    qToLittleEndian(number, b + 2);
+    qToLittleEndian(width, b + 4);
+    qToLittleEndian(height, b + 6);
+    qToLittleEndian(quint16(x), b + 8);
+    qToLittleEndian(quint16(y), b + 10);
+    qToLittleEndian(link, b + 12);
+    b[14] = char(format);
+    b[15] = char(depth);
+    qToLittleEndian(offset, b + 16);
+    qToLittleEndian(length, b + 20);
+    qToLittleEndian(palette, b + 24);
+    qToLittleEndian(flags, b + 26);
+    out.bytes(b, SpriteNodeSize);
 }
 
 QImage::Format V2SpriteNode::imageFormat() const
@@ -990,15 +981,32 @@ public:
         m_size += length;
     }
 
+    // Pieces are gathered into writes of about a megabyte: every write of a
+    // file costs a system call and file-system bookkeeping, whatever its size.
     bool writeTo(QIODevice &out) const
     {
+        constexpr qsizetype Gather = 1 << 20;
+        QByteArray staging;
+        auto flush = [&] {
+            const bool ok = out.write(staging) == staging.size();
+            staging.resize(0);
+            return ok;
+        };
         for (const Piece &p : m_pieces) {
             const char *data = p.view ? p.view : p.bytes.constData();
             const qsizetype length = p.view ? p.length : p.bytes.size();
-            if (out.write(data, length) != length)
+            if (length >= Gather) {
+                if (!flush() || out.write(data, length) != length)
+                    return false;
+                continue;
+            }
+            if (staging.size() + length > Gather && !flush())
                 return false;
+            if (staging.capacity() < Gather)
+                staging.reserve(Gather);
+            staging.append(data, length);
         }
-        return true;
+        return flush();
     }
 
 private:
@@ -1082,6 +1090,28 @@ void SffWriter::prepare()
         markSharedPalettes();
 }
 
+// What tells most stored images apart without reading them whole: shape,
+// length, and eight bytes from the start, the middle and the end.
+size_t cheapKey(const QSpriteItem &item, const QByteArray &bytes)
+{
+    auto word = [&bytes](qsizetype at) {
+        quint64 v = 0;
+        const qsizetype n = qMin<qsizetype>(8, bytes.size() - at);
+        if (at >= 0 && n > 0)
+            std::memcpy(&v, bytes.constData() + at, size_t(n));
+        return v;
+    };
+    const qsizetype n = bytes.size();
+    quint64 k = quint64(n) * 0x9E3779B97F4A7C15ull;
+    k ^= quint64(item.filter) | (quint64(item.imageFormat) << 8) | (quint64(item.width) << 24)
+         | (quint64(item.height) << 40);
+    for (quint64 w : {word(0), word(n / 2 - 4), word(n - 8)}) {
+        k = (k ^ w) * 0xFF51AFD7ED558CCDull;
+        k ^= k >> 33;
+    }
+    return size_t(k);
+}
+
 // Identical images stored the same way become links to the first of them,
 // whether or not the user asked: the file gets smaller and nothing shows
 // differently. Sprites are first told apart by what is cheap to know (shape,
@@ -1092,10 +1122,25 @@ void SffWriter::foldDuplicates()
     const QBFCacheFilter *byPass = QBFCacheFilter::byPass();
     const int n = s.count();
     int current = 0;
-    QHash<size_t, int> newest;              // key -> latest unfolded sprite with it
+    // Key -> latest unfolded sprite with it: open addressing, twice as many
+    // places as sprites, the keys being well mixed already.
+    struct Place
+    {
+        size_t key = 0;
+        int sprite = -1;
+    };
+    size_t mask = 15;
+    while (mask < size_t(n) * 2)
+        mask = mask * 2 + 1;
+    std::vector<Place> newest(mask + 1);
+    auto placeOf = [&](size_t key) -> Place & {
+        size_t at = key & mask;
+        while (newest[at].sprite >= 0 && newest[at].key != key)
+            at = (at + 1) & mask;
+        return newest[at];
+    };
     std::vector<int> older(size_t(n), -1);  // the one before it with the same key
     std::vector<size_t> full(size_t(n), 0); // whole-bytes hash, 0 until needed
-    newest.reserve(n);
     QByteArray bytes;
     auto fullHash = [&](int i) {
         size_t &h = full[size_t(i)];
@@ -1112,13 +1157,10 @@ void SffWriter::foldDuplicates()
         QSpriteItem *item = s.sprites[i];
         if (item->info.hasImage && item->cacheId != 0) {
             s.cache.get(item->cacheId, bytes, byPass, item->spriteSize());
-            const qsizetype edge = qMin<qsizetype>(16, bytes.size());
-            const size_t key = qHashMulti(0, bytes.size(), item->filter, int(item->imageFormat), item->width,
-                                          item->height, QByteArrayView(bytes.constData(), edge),
-                                          QByteArrayView(bytes.constData() + bytes.size() - edge, edge));
-            const auto found = newest.constFind(key);
+            const size_t key = cheapKey(*item, bytes);
+            Place &place = placeOf(key);
             bool folded = false;
-            for (int c = found == newest.cend() ? -1 : found.value(); c >= 0; c = older[size_t(c)]) {
+            for (int c = place.sprite; c >= 0; c = older[size_t(c)]) {
                 const QSpriteItem *other = s.sprites[c];
                 if (other->filter == item->filter && other->imageFormat == item->imageFormat
                     && other->width == item->width && other->height == item->height
@@ -1132,8 +1174,9 @@ void SffWriter::foldDuplicates()
                 }
             }
             if (!folded) {
-                older[size_t(i)] = found == newest.cend() ? -1 : found.value();
-                newest.insert(key, i);
+                older[size_t(i)] = place.sprite;
+                place.key = key;
+                place.sprite = i;
             }
         }
         if (i > 0)

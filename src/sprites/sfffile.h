@@ -120,9 +120,20 @@ class ByteWriter
 public:
     explicit ByteWriter(QByteArray &out) : m_out(out) {}
     void u8(quint8 v) { m_out.append(char(v)); }
-    void u16(quint16 v);
-    void u32(quint32 v);
+    void u16(quint16 v)
+    {
+        char b[2];
+        qToLittleEndian(v, b);
+        m_out.append(b, 2);
+    }
+    void u32(quint32 v)
+    {
+        char b[4];
+        qToLittleEndian(v, b);
+        m_out.append(b, 4);
+    }
     void bytes(const QByteArray &b) { m_out.append(b); }
+    void bytes(const char *data, qsizetype length) { m_out.append(data, length); }
     void zeros(qint64 count) { m_out.append(qsizetype(count), '\0'); }
     // Zero bytes up to an absolute size.
     void padTo(qint64 size);
