@@ -280,6 +280,25 @@ void V2PaletteNode::write(ByteWriter &out) const
 V2SpriteNode V2SpriteNode::read(ByteReader &in)
 {
     V2SpriteNode n;
+    if (in.remaining() >= SpriteNodeSize) {
+        // The usual case, read straight from the bytes.
+        const uchar *b = in.current();
+        n.group = qFromLittleEndian<quint16>(b);
+        n.number = qFromLittleEndian<quint16>(b + 2);
+        n.width = qFromLittleEndian<quint16>(b + 4);
+        n.height = qFromLittleEndian<quint16>(b + 6);
+        n.x = qFromLittleEndian<qint16>(b + 8);
+        n.y = qFromLittleEndian<qint16>(b + 10);
+        n.link = qFromLittleEndian<quint16>(b + 12);
+        n.format = b[14];
+        n.depth = b[15];
+        n.offset = qFromLittleEndian<quint32>(b + 16);
+        n.length = qFromLittleEndian<quint32>(b + 20);
+        n.palette = qFromLittleEndian<quint16>(b + 24);
+        n.flags = qFromLittleEndian<quint16>(b + 26);
+        in.skip(SpriteNodeSize);
+        return n;
+    }
     n.group = in.u16();
     n.number = in.u16();
     n.width = in.u16();
@@ -419,12 +438,11 @@ private:
 class SffReader
 {
 public:
-    // `file` is open; `data` holds its `size` bytes, mapped or read. `wholeFile`,
-    // if not empty, is those bytes as an array the cache may share.
-    SffReader(QSprites &store, const QString &name, QFile &file, const uchar *data, qint64 size,
+    // `data` holds the file's `size` bytes: those of `wholeFile`, an array
+    // the cache may share.
+    SffReader(QSprites &store, const QString &name, const uchar *data, qint64 size,
               const QByteArray &wholeFile, bool isCharacter)
-        : s(store), name(name), in(data, size), data(data), file(file), wholeFile(wholeFile),
-          isCharacter(isCharacter)
+        : s(store), name(name), in(data, size), data(data), wholeFile(wholeFile), isCharacter(isCharacter)
     {
     }
 
@@ -456,15 +474,10 @@ private:
             s.messages->addError(text);
         emit s.fileError(tr("Sprite loading error"), text);
     }
-    // The bytes [offset, offset + length) of the file, cut to its end, as one
-    // array the cache can share; `start` is where the array begins in the file.
-    QByteArray block(qint64 offset, qint64 length, qint64 &start) const;
-
     QSprites &s;
     QString name;
     ByteReader in;
     const uchar *data;
-    QFile &file;
     QByteArray wholeFile;
     bool isCharacter;
 };
@@ -704,10 +717,9 @@ SffReader::Result SffReader::readV2(quint32 version)
                         .arg(pal->group).arg(pal->number).arg(pal->link));
     }
 
-    // Stored bytes that lie inside their data block become slices of one
-    // array per block, read at once and shared by the cache; the rest (raw
-    // pixels, and data that lies outside its block in a damaged file) is
-    // copied sprite by sprite.
+    // Stored bytes that lie inside their data block become slices of the
+    // file's bytes, shared by the cache; the rest (raw pixels, and data that
+    // lies outside its block in a damaged file) is copied sprite by sprite.
     struct Shared
     {
         qint64 offset = 0, length = 0; // the block in the file
@@ -791,31 +803,14 @@ SffReader::Result SffReader::readV2(quint32 version)
     for (Shared &b : shared) {
         if (b.slices.empty())
             continue;
-        qint64 start = 0;
-        const QByteArray bytes = block(b.offset, b.length, start);
-        if (start != b.offset)
-            for (QSpriteCache::Slice &slice : b.slices)
-                slice.offset += quint32(b.offset - start);
+        for (QSpriteCache::Slice &slice : b.slices)
+            slice.offset += quint32(b.offset);
         ids.resize(b.slices.size());
-        s.cache.addSlices(bytes, b.slices.data(), qsizetype(b.slices.size()), ids.data());
+        s.cache.addSlices(wholeFile, b.slices.data(), qsizetype(b.slices.size()), ids.data());
         for (size_t k = 0; k < ids.size(); ++k)
             b.owners[k]->cacheId = ids[k];
     }
     return Loaded;
-}
-
-QByteArray SffReader::block(qint64 offset, qint64 length, qint64 &start) const
-{
-    if (!wholeFile.isEmpty()) {
-        start = 0;
-        return wholeFile;
-    }
-    start = offset;
-    // One read straight into the array: no copy through a mapping.
-    QByteArray bytes(qsizetype(length), Qt::Uninitialized);
-    if (file.seek(offset) && file.read(bytes.data(), length) == length)
-        return bytes;
-    return QByteArray(reinterpret_cast<const char *>(data + offset), qsizetype(length));
 }
 
 } // namespace
@@ -859,18 +854,18 @@ bool QSprites::fromFile(const QString &path, bool isCharacter, bool keepName)
     // The palette list is filled directly; its views hear of it once.
     paletteObject.beginReset();
 
-    // The whole file is mapped (or read) at once: three sweeps over it then
-    // cost no system calls, and every offset is checked against its size.
-    const qint64 size = file.size();
-    QByteArray buffer;
-    const uchar *data = size > 0 ? file.map(0, size) : nullptr;
-    if (!data && size > 0) {
-        buffer = file.readAll();
-        data = reinterpret_cast<const uchar *>(buffer.constData());
-    }
-    SffReader reader(*this, name, file, data, data ? size : 0, buffer, isCharacter);
+    // The whole file is read at once, in one call: the sweeps over it then
+    // cost no system calls, every offset is checked against its size, and
+    // the sprites' stored bytes stay where they are, shared with the cache.
+    QByteArray buffer(qsizetype(qMax<qint64>(0, file.size())), Qt::Uninitialized);
+    const qint64 got = buffer.isEmpty() ? 0 : file.read(buffer.data(), buffer.size());
+    buffer.resize(qsizetype(qMax<qint64>(0, got)));
+    file.close();
+    const uchar *data = reinterpret_cast<const uchar *>(buffer.constData());
+    const qint64 size = buffer.size();
+    SffReader reader(*this, name, data, size, buffer, isCharacter);
 
-    ByteReader headIn(data, data ? size : 0);
+    ByteReader headIn(data, size);
     const Head head = Head::read(headIn);
     version = head.version;
     if (!head.signatureOk || !isSupported(head.version))
