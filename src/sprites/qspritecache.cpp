@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <atomic>
 #include <memory>
+#include <new>
 #include <vector>
 
 #include "sprites/qbfcachefilter.h"
@@ -398,8 +399,41 @@ bool QSpriteCache::remove(quint32 id)
 void QSpriteCache::clear()
 {
     RecordPool &p = pool();
-    for (quint32 id : m_ids)
-        p.at((id & IndexMask) - 1)->reset();
+    // Slices of one block follow each other: their references to it are
+    // handed back with one atomic operation per run, the run's first entry
+    // keeping the block alive until the count is settled.
+    QCacheEntry *runFirst = nullptr;
+    QArrayData *runBlock = nullptr;
+    int dropped = 0;
+    auto endRun = [&] {
+        if (runBlock && dropped)
+            runBlock->ref_.fetchAndSubRelaxed(dropped);
+        if (runFirst)
+            runFirst->reset();
+        runFirst = nullptr;
+        runBlock = nullptr;
+        dropped = 0;
+    };
+    for (quint32 id : m_ids) {
+        QCacheEntry *e = p.at((id & IndexMask) - 1);
+        QByteArray::DataPointer &d = e->bytes.data_ptr();
+        QArrayData *block = d.d_ptr();
+        if (block && block == runBlock) {
+            // Forgotten without the release: counted in `dropped`.
+            new (&d) QByteArray::DataPointer();
+            ++dropped;
+            e->reset();
+            continue;
+        }
+        endRun();
+        if (block) {
+            runFirst = e;
+            runBlock = block;
+        } else {
+            e->reset();
+        }
+    }
+    endRun();
     p.release(m_ids.data(), qsizetype(m_ids.size()));
     m_ids.clear();
     if (m_fileOpen) {

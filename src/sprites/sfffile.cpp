@@ -452,12 +452,19 @@ public:
     Result read(quint32 version, const QPaletteList &keptPalettes);
 
     ItemList owned;
+    // Some sprite read is a link (or empty).
+    bool anyLink = false;
 
 private:
     Result readV1(const QPaletteList &keptPalettes);
     Result readV2(quint32 version);
     bool progress(uint pos, uint max)
     {
+        // No progress bar shows more than about a thousand steps: a large
+        // file is reported every few sprites.
+        const uint step = max / 1024 + 1;
+        if (pos != 0 && pos != max && pos % step != 0)
+            return true;
         bool allow = true;
         emit s.progress(pos, max, allow);
         return allow;
@@ -613,6 +620,7 @@ SffReader::Result SffReader::readV1(const QPaletteList &keptPalettes)
             item->info.palette = sh.samePalette == 1 ? quint16(last) : t->info.palette;
             last = item->info.palette;
         }
+        anyLink |= !item->info.hasImage;
         owned.push(std::move(item));
         if (!progress(i + 1, images))
             return Failed;
@@ -673,9 +681,12 @@ SffReader::Result SffReader::readV2(quint32 version)
     // no image to show and the link flattening without an end.
     const std::vector<QSpriteItem *> &items = owned.pointers();
     for (size_t i = 0; i < items.size(); ++i)
-        if (!items[i]->info.hasImage && chainEnd(items, int(i)) < 0) {
-            refuseLink(int(i), items[i]->info.link);
-            return Failed;
+        if (sprNodes[i].length == 0) {
+            anyLink = true;
+            if (chainEnd(items, int(i)) < 0) {
+                refuseLink(int(i), items[i]->info.link);
+                return Failed;
+            }
         }
 
     uint done = 0;
@@ -895,6 +906,7 @@ bool QSprites::fromFile(const QString &path, bool isCharacter, bool keepName)
         return true;
     }
 
+    const bool anyLink = reader.anyLink;
     if (!reader.owned.empty()) {
         const std::vector<QSpriteItem *> items = reader.owned.release();
         beginInsertRows(QModelIndex(), 0, int(items.size()) - 1);
@@ -905,7 +917,9 @@ bool QSprites::fromFile(const QString &path, bool isCharacter, bool keepName)
 
     // Every link points straight at a sprite with an image and shows its
     // size; the readers refused chains that leave the list or circle.
-    std::vector<QSpriteItem *> items(sprites.begin(), sprites.end());
+    std::vector<QSpriteItem *> items;
+    if (anyLink)
+        items.assign(sprites.begin(), sprites.end());
     for (size_t i = 0; i < items.size(); ++i)
         if (!items[i]->info.hasImage) {
             const int end = chainEnd(items, int(i));
