@@ -653,12 +653,34 @@ SffReader::Result SffReader::readV2(quint32 version)
     std::vector<V2PaletteNode> palNodes(paletteCount);
     for (auto &node : palNodes)
         node = V2PaletteNode::read(in);
+    // Stored bytes that lie inside their data block become slices of the
+    // file's bytes, shared by the cache; the rest (raw pixels, and data that
+    // lies outside its block in a damaged file) is copied sprite by sprite.
+    struct Shared
+    {
+        qint64 offset = 0, end = 0; // the block in the file
+        std::vector<QSpriteCache::Slice> slices;
+        std::vector<QSpriteItem *> owners;
+    } shared[2];
+    shared[0].offset = h.ldataOffset;
+    shared[0].end = qint64(h.ldataOffset) + h.ldataLength;
+    shared[1].offset = h.tdataOffset;
+    shared[1].end = qint64(h.tdataOffset) + h.tdataLength;
+    for (Shared &b : shared) {
+        // Slices are placed by 32-bit offsets.
+        b.end = qMin<qint64>(qMin<qint64>(b.end, in.size()), 0xFFFFFFFFll);
+        b.slices.reserve(spriteCount);
+        b.owners.reserve(spriteCount);
+    }
+
+    // One sweep over the node table fills the records and sorts the sprites
+    // into links, slices and copies.
+    std::vector<std::pair<size_t, V2SpriteNode>> copies;
+    std::vector<size_t> links;
     in.seek(h.spriteOffset);
-    std::vector<V2SpriteNode> sprNodes(spriteCount);
     owned.grow(spriteCount);
-    for (size_t i = 0; i < sprNodes.size(); ++i) {
-        V2SpriteNode &node = sprNodes[i];
-        node = V2SpriteNode::read(in);
+    for (size_t i = 0; i < spriteCount; ++i) {
+        const V2SpriteNode node = V2SpriteNode::read(in);
         QSpriteItem *item = owned[i];
         item->filter = filterForCode(node.format);
         item->width = node.width;
@@ -675,18 +697,29 @@ SffReader::Result SffReader::readV2(quint32 version)
         item->offset = node.offset;
         item->format = node.format;
         item->size = node.length;
+        if (node.length == 0) {
+            links.push_back(i);
+            continue;
+        }
+        Shared &b = shared[node.flags & 1];
+        // After the four-byte size word, which isn't needed.
+        const qint64 from = b.offset + qint64(node.offset) + 4;
+        if (node.format != CodeRaw && node.length >= 4 && from + qint64(node.length) - 4 <= b.end) {
+            b.slices.push_back({quint32(from), node.length - 4});
+            b.owners.push_back(item);
+        } else {
+            copies.emplace_back(i, node);
+        }
     }
 
     // Links that leave the list or run in a circle would leave sprites with
     // no image to show and the link flattening without an end.
     const std::vector<QSpriteItem *> &items = owned.pointers();
-    for (size_t i = 0; i < items.size(); ++i)
-        if (sprNodes[i].length == 0) {
-            anyLink = true;
-            if (chainEnd(items, int(i)) < 0) {
-                refuseLink(int(i), items[i]->info.link);
-                return Failed;
-            }
+    anyLink = !links.empty();
+    for (size_t i : links)
+        if (chainEnd(items, int(i)) < 0) {
+            refuseLink(int(i), items[i]->info.link);
+            return Failed;
         }
 
     uint done = 0;
@@ -728,53 +761,13 @@ SffReader::Result SffReader::readV2(quint32 version)
                         .arg(pal->group).arg(pal->number).arg(pal->link));
     }
 
-    // Stored bytes that lie inside their data block become slices of the
-    // file's bytes, shared by the cache; the rest (raw pixels, and data that
-    // lies outside its block in a damaged file) is copied sprite by sprite.
-    struct Shared
-    {
-        qint64 offset = 0, length = 0; // the block in the file
-        bool used = false;
-        std::vector<QSpriteCache::Slice> slices;
-        std::vector<QSpriteItem *> owners;
-    } shared[2];
-    shared[0].offset = h.ldataOffset;
-    shared[0].length = h.ldataLength;
-    shared[1].offset = h.tdataOffset;
-    shared[1].length = h.tdataLength;
+    auto copy = copies.cbegin();
     for (size_t i = 0; i < items.size(); ++i) {
-        const V2SpriteNode &node = sprNodes[i];
-        if (items[i]->info.hasImage && node.format != CodeRaw)
-            shared[node.flags & 1].used = true;
-    }
-    for (Shared &b : shared) {
-        b.offset = qBound<qint64>(0, b.offset, in.size());
-        b.length = qBound<qint64>(0, b.length, in.size() - b.offset);
-        // Slices are placed by 32-bit offsets.
-        if (!b.used || (b.offset + b.length) > qint64(0xFFFFFFFFu)) {
-            b.length = -1; // nothing lies inside
-            continue;
-        }
-        b.slices.reserve(items.size());
-        b.owners.reserve(items.size());
-    }
-
-    for (size_t i = 0; i < items.size(); ++i) {
-        QSpriteItem *item = items[i];
-        const V2SpriteNode &node = sprNodes[i];
-        if (item->info.hasImage) {
+        if (copy != copies.cend() && copy->first == i) {
+            QSpriteItem *item = items[i];
+            const V2SpriteNode &node = copy->second;
+            ++copy;
             const qint64 block = (node.flags & 1) ? h.tdataOffset : h.ldataOffset;
-            Shared &b = shared[node.flags & 1];
-            // After the four-byte size word, which isn't needed.
-            const qint64 from = block + qint64(node.offset) + 4;
-            if (node.format != CodeRaw && node.length >= 4 && from >= b.offset
-                && from + qint64(node.length) - 4 <= b.offset + b.length) {
-                b.slices.push_back({quint32(from - b.offset), node.length - 4});
-                b.owners.push_back(item);
-                if (!progress(++done, total))
-                    return Failed;
-                continue;
-            }
             in.clearOverrun();
             in.seek(block + qint64(node.offset));
             if (node.format == CodeRaw) {
@@ -814,8 +807,6 @@ SffReader::Result SffReader::readV2(quint32 version)
     for (Shared &b : shared) {
         if (b.slices.empty())
             continue;
-        for (QSpriteCache::Slice &slice : b.slices)
-            slice.offset += quint32(b.offset);
         ids.resize(b.slices.size());
         s.cache.addSlices(wholeFile, b.slices.data(), qsizetype(b.slices.size()), ids.data());
         for (size_t k = 0; k < ids.size(); ++k)
