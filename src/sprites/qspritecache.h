@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QByteArrayView>
 #include <QString>
 #include <QTemporaryFile>
 #include <vector>
@@ -62,6 +63,10 @@ public:
     // are uncompressed (bytes that weren't compressed then come back empty).
     bool get(quint32 id, QByteArray &out, const QBFCacheFilter *filter = nullptr,
              const QSpriteSize &size = QSpriteSize()) const;
+    // The stored bytes of an item in memory, without a copy: valid until the
+    // item is replaced or removed. False for an unknown handle or an item in
+    // the temporary file (get() reads those).
+    bool peek(quint32 id, QByteArrayView &out) const;
     bool remove(quint32 id);
     // Copies an entry of `from` (which may be this cache) as it is stored: no
     // decoding, no recompression, the original size kept. Returns the new
@@ -80,6 +85,14 @@ public:
     // Size of the temporary file (0 in memory mode).
     qint64 fileSize() const;
     QString fileName() const;
+
+    // Counts every change of the stored items. mark() notes the count, and
+    // changedSinceMark() tells whether any item was added, replaced or
+    // removed since: a save that has folded duplicate images marks the cache,
+    // and needn't search again while nothing changed.
+    quint64 revision() const { return m_revision; }
+    void mark() { m_mark = m_revision; }
+    bool changedSinceMark() const { return m_mark != m_revision; }
 
     // Reads that went through anything but the pass-through filter, i.e. that
     // produced pixels or samples, process-wide. Lets tests prove that an
@@ -114,4 +127,6 @@ private:
     mutable QTemporaryFile m_file;
     bool m_fileOpen = false;
     qint64 m_fileEnd = 0;
+    quint64 m_revision = 1;
+    quint64 m_mark = 0;
 };

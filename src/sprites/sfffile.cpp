@@ -383,13 +383,12 @@ QRGBPal spritePal(const QList<QRgb> &table)
 // Follows links from `index` to a sprite with an image. Returns that index,
 // `index` of the empty sprite a chain ends on (a sprite linked to itself),
 // or -1 when the chain leaves the list or runs in a circle.
-int chainEnd(const std::vector<QSpriteItem *> &items, int index)
+int chainEnd(QSpriteItem *const *items, int n, int index)
 {
-    const int n = int(items.size());
     for (int steps = 0; steps <= n; ++steps) {
         if (index < 0 || index >= n)
             return -1;
-        const QSpriteItem *it = items[size_t(index)];
+        const QSpriteItem *it = items[index];
         if (it->info.hasImage || it->info.link == index)
             return index;
         index = it->info.link;
@@ -717,7 +716,7 @@ SffReader::Result SffReader::readV2(quint32 version)
     const std::vector<QSpriteItem *> &items = owned.pointers();
     anyLink = !links.empty();
     for (size_t i : links)
-        if (chainEnd(items, int(i)) < 0) {
+        if (chainEnd(items.data(), int(items.size()), int(i)) < 0) {
             refuseLink(int(i), items[i]->info.link);
             return Failed;
         }
@@ -908,15 +907,14 @@ bool QSprites::fromFile(const QString &path, bool isCharacter, bool keepName)
 
     // Every link points straight at a sprite with an image and shows its
     // size; the readers refused chains that leave the list or circle.
-    std::vector<QSpriteItem *> items;
-    if (anyLink)
-        items.assign(sprites.begin(), sprites.end());
-    for (size_t i = 0; i < items.size(); ++i)
+    QSpriteItem *const *items = sprites.constData();
+    const int n = anyLink ? count() : 0;
+    for (int i = 0; i < n; ++i)
         if (!items[i]->info.hasImage) {
-            const int end = chainEnd(items, int(i));
-            if (end >= 0 && size_t(end) != i) {
+            const int end = chainEnd(items, n, i);
+            if (end >= 0 && end != i) {
                 items[i]->info.link = quint16(end);
-                items[i]->setSpriteSize(items[size_t(end)]->spriteSize());
+                items[i]->setSpriteSize(items[end]->spriteSize());
             }
         }
 
@@ -933,92 +931,84 @@ bool QSprites::fromFile(const QString &path, bool isCharacter, bool keepName)
 
 namespace {
 
-// A data block of the file being written, kept as pieces: stored bytes that
-// are written as they are stay where they are (in the cache's arrays), runs of
-// them that lie back to back in one array become one write, and the rest is
-// gathered in arrays of its own.
+// A data block of the file being written, kept as pieces that point where
+// the bytes are (the stored bytes of sprites stay in the cache's arrays), then
+// written in writes of about a megabyte: every write of a file costs a system
+// call and file-system bookkeeping, whatever its size. Pieces are gathered
+// by one sequential copy, which the processor streams; checking whether
+// stored bytes already lie back to back with the right size words between
+// them would cost a cache miss per sprite, more than the copy.
 class OutBlock
 {
 public:
     qint64 size() const { return m_size; }
 
-    void append(const char *data, qsizetype length)
+    void append(QByteArray bytes)
     {
-        if (m_pieces.empty() || m_pieces.back().view)
-            m_pieces.push_back(Piece());
-        m_pieces.back().bytes.append(data, length);
+        const qsizetype length = bytes.size();
+        m_pieces.push_back(Piece{bytes.constData(), length, 0, false});
+        keep(std::move(bytes));
         m_size += length;
     }
-    void append(const QByteArray &bytes) { append(bytes.constData(), bytes.size()); }
 
     // A four-byte word, then stored bytes.
     void appendStored(quint32 word, QByteArray bytes)
     {
-        char w[4];
-        qToLittleEndian(word, w);
         const qsizetype length = bytes.size();
-        if (length < MinShared) {
-            append(w, 4);
-            append(bytes);
-            return;
-        }
-        // Read as one with the previous piece if word and bytes follow it in
-        // the same array (as an unchanged file's sprites do).
-        if (!m_pieces.empty()) {
-            Piece &last = m_pieces.back();
-            QArrayData *block = bytes.data_ptr().d_ptr();
-            if (last.view && block && last.bytes.data_ptr().d_ptr() == block
-                && last.view + last.length + 4 == bytes.constData()
-                && std::memcmp(bytes.constData() - 4, w, 4) == 0) {
-                last.length += 4 + length;
-                m_size += 4 + length;
-                return;
-            }
-        }
-        append(w, 4);
-        const char *view = bytes.constData();
-        m_pieces.push_back(Piece{std::move(bytes), view, length});
-        m_size += length;
+        m_pieces.push_back(Piece{bytes.constData(), length, word, true});
+        keep(std::move(bytes));
+        m_size += 4 + length;
     }
 
-    // Pieces are gathered into writes of about a megabyte: every write of a
-    // file costs a system call and file-system bookkeeping, whatever its size.
     bool writeTo(QIODevice &out) const
     {
         constexpr qsizetype Gather = 1 << 20;
-        QByteArray staging;
+        QByteArray staging(Gather, Qt::Uninitialized);
+        qsizetype used = 0;
         auto flush = [&] {
-            const bool ok = out.write(staging) == staging.size();
-            staging.resize(0);
+            const bool ok = out.write(staging.constData(), used) == used;
+            used = 0;
             return ok;
         };
         for (const Piece &p : m_pieces) {
-            const char *data = p.view ? p.view : p.bytes.constData();
-            const qsizetype length = p.view ? p.length : p.bytes.size();
-            if (length >= Gather) {
-                if (!flush() || out.write(data, length) != length)
+            if (p.hasWord) {
+                if (used + 4 > Gather && !flush())
+                    return false;
+                qToLittleEndian(p.word, staging.data() + used);
+                used += 4;
+            }
+            if (p.length >= Gather / 2) {
+                if (!flush() || out.write(p.data, p.length) != p.length)
                     return false;
                 continue;
             }
-            if (staging.size() + length > Gather && !flush())
+            if (used + p.length > Gather && !flush())
                 return false;
-            if (staging.capacity() < Gather)
-                staging.reserve(Gather);
-            staging.append(data, length);
+            std::memcpy(staging.data() + used, p.data, size_t(p.length));
+            used += p.length;
         }
         return flush();
     }
 
 private:
-    // Shorter stored bytes are copied: a piece of their own costs more.
-    static constexpr qsizetype MinShared = 256;
+    // Holds the arrays the pieces point into; one reference per run of
+    // pieces in the same array is enough.
+    void keep(QByteArray bytes)
+    {
+        QArrayData *array = bytes.data_ptr().d_ptr();
+        if (!array || m_keep.empty() || m_keep.back().data_ptr().d_ptr() != array)
+            m_keep.push_back(std::move(bytes));
+    }
+
     struct Piece
     {
-        QByteArray bytes;           // own bytes, or the array `view` lies in
-        const char *view = nullptr; // null: the piece is `bytes` itself
-        qsizetype length = 0;
+        const char *data;
+        qsizetype length;
+        quint32 word;
+        bool hasWord;
     };
     std::vector<Piece> m_pieces;
+    std::vector<QByteArray> m_keep;
     qint64 m_size = 0;
 };
 
@@ -1079,9 +1069,11 @@ private:
 
 void SffWriter::prepare()
 {
-    if (!temporary && s.count() >= 2) {
+    // A cache unchanged since the last search holds no new duplicates.
+    if (!temporary && s.count() >= 2 && s.cache.changedSinceMark()) {
         announce(0);
         foldDuplicates();
+        s.cache.mark();
     }
     flattenLinks();
     if (version == Version101 || version == Version200)
@@ -1092,7 +1084,7 @@ void SffWriter::prepare()
 
 // What tells most stored images apart without reading them whole: shape,
 // length, and eight bytes from the start, the middle and the end.
-size_t cheapKey(const QSpriteItem &item, const QByteArray &bytes)
+size_t cheapKey(const QSpriteItem &item, QByteArrayView bytes)
 {
     auto word = [&bytes](qsizetype at) {
         quint64 v = 0;
@@ -1141,23 +1133,55 @@ void SffWriter::foldDuplicates()
     };
     std::vector<int> older(size_t(n), -1);  // the one before it with the same key
     std::vector<size_t> full(size_t(n), 0); // whole-bytes hash, 0 until needed
-    QByteArray bytes;
+    QByteArray held;
     auto fullHash = [&](int i) {
         size_t &h = full[size_t(i)];
         if (h == 0) {
-            QByteArray other;
-            if (i != current)
-                s.cache.get(s.sprites[i]->cacheId, other, byPass);
-            h = qHash(i == current ? bytes : other) | 1;
+            QByteArray bytes;
+            s.cache.get(s.sprites[i]->cacheId, bytes, byPass);
+            h = qHash(bytes) | 1;
         }
         return h;
     };
+    // The keys first, in a sweep of their own: stored bytes in memory are
+    // looked at where they are, a few sprites ahead fetched early, so that
+    // their cache misses overlap instead of coming one after the other.
+    std::vector<size_t> keys(size_t(n), 0);
+    {
+        std::vector<QByteArrayView> views(static_cast<size_t>(n));
+        std::vector<char> inMemory(size_t(n), 0);
+        for (int i = 0; i < n; ++i) {
+            const QSpriteItem *item = s.sprites[i];
+            if (item->info.hasImage && item->cacheId != 0)
+                inMemory[size_t(i)] = s.cache.peek(item->cacheId, views[size_t(i)]);
+        }
+        constexpr int Ahead = 8;
+        for (int i = 0; i < n; ++i) {
+            if (i + Ahead < n && inMemory[size_t(i + Ahead)]) {
+                const QByteArrayView v = views[size_t(i + Ahead)];
+                if (!v.isEmpty()) {
+                    __builtin_prefetch(v.data());
+                    __builtin_prefetch(v.data() + v.size() / 2);
+                    __builtin_prefetch(v.data() + v.size() - 1);
+                }
+            }
+            const QSpriteItem *item = s.sprites[i];
+            if (!item->info.hasImage || item->cacheId == 0)
+                continue;
+            if (inMemory[size_t(i)]) {
+                keys[size_t(i)] = cheapKey(*item, views[size_t(i)]);
+            } else {
+                s.cache.get(item->cacheId, held, byPass, item->spriteSize());
+                keys[size_t(i)] = cheapKey(*item, held);
+            }
+        }
+    }
+
     for (current = 0; current < n; ++current) {
         const int i = current;
         QSpriteItem *item = s.sprites[i];
         if (item->info.hasImage && item->cacheId != 0) {
-            s.cache.get(item->cacheId, bytes, byPass, item->spriteSize());
-            const size_t key = cheapKey(*item, bytes);
+            const size_t key = keys[size_t(i)];
             Place &place = placeOf(key);
             bool folded = false;
             for (int c = place.sprite; c >= 0; c = older[size_t(c)]) {
@@ -1186,10 +1210,11 @@ void SffWriter::foldDuplicates()
 
 void SffWriter::flattenLinks()
 {
-    std::vector<QSpriteItem *> items(s.sprites.begin(), s.sprites.end());
-    for (size_t i = 0; i < items.size(); ++i)
+    QSpriteItem *const *items = s.sprites.constData();
+    const int n = s.count();
+    for (int i = 0; i < n; ++i)
         if (!items[i]->info.hasImage) {
-            const int end = chainEnd(items, int(i));
+            const int end = chainEnd(items, n, i);
             if (end >= 0)
                 items[i]->info.link = quint16(end);
         }
@@ -1344,7 +1369,7 @@ bool SffWriter::writeV2(QIODevice &out)
             const int colors = pal->colorCount >= 1 && pal->colorCount <= 256 ? pal->colorCount : 256;
             node.offset = quint32(ldata.size());
             node.length = quint32(colors * 4);
-            ldata.append(reinterpret_cast<const char *>(pal->colors.bytes()), colors * 4);
+            ldata.append(QByteArray(reinterpret_cast<const char *>(pal->colors.bytes()), colors * 4));
         }
         if (!progress(uint(s.count()) + uint(p) + 1))
             return false;
