@@ -1,4 +1,5 @@
 #include <QFile>
+#include <QSet>
 #include <QtTest>
 
 #include "sprites/qbfcachefilter.h"
@@ -16,6 +17,9 @@ private slots:
     void compressionRule();
     void fileModeGrowsAndClears();
     void recordPool();
+    void slicesOfOneBlock_data();
+    void slicesOfOneBlock();
+    void handlesAndRevisions();
     void undoCache();
 };
 
@@ -179,6 +183,110 @@ void TestSpriteCache::recordPool()
     // Dying caches release their records and purge the free ones.
     QCOMPARE(QSpriteCache::poolFree(), 0);
     QCOMPARE(QSpriteCache::poolSize(), base);
+}
+
+void TestSpriteCache::slicesOfOneBlock_data()
+{
+    QTest::addColumn<int>("mode");
+    QTest::newRow("memory") << int(QSpriteCache::Memory);
+    QTest::newRow("file") << int(QSpriteCache::TemporaryFile);
+}
+
+// Items cut from one block: stored as they are (compression on or not), cut
+// at the block's end, independent of the caller's copy and of each other.
+void TestSpriteCache::slicesOfOneBlock()
+{
+    QFETCH(int, mode);
+    QSpriteCache cache(QStringLiteral("bftest"), mode, true);
+    QByteArray block("0123456789abcdefghij");
+    const QSpriteCache::Slice slices[] = {{0, 4}, {4, 6}, {18, 10}, {25, 3}};
+    quint32 ids[4] = {};
+    cache.addSlices(block, slices, 4, ids);
+    QCOMPARE(cache.count(), 4);
+    QCOMPARE(QSet<quint32>(std::begin(ids), std::end(ids)).size(), 4);
+    QVERIFY(!QSet<quint32>(std::begin(ids), std::end(ids)).contains(0));
+    QCOMPARE(cache.storedTotal(), quint64(12));
+    QCOMPARE(cache.fileSize(), mode == QSpriteCache::Memory ? 0 : block.size());
+
+    block.fill('x'); // the caller's copy changes, the items don't
+    QByPassCacheFilter byPass;
+    QByteArray out;
+    const QList<QByteArray> expected = {"0123", "456789", "ij", ""};
+    for (int i = 0; i < 4; ++i) {
+        QVERIFY(cache.get(ids[i], out, &byPass));
+        QCOMPARE(out, expected[i]);
+    }
+    QByteArrayView view;
+    QCOMPARE(cache.peek(ids[1], view), mode == QSpriteCache::Memory);
+    if (mode == QSpriteCache::Memory)
+        QCOMPARE(view, QByteArrayView("456789"));
+    QVERIFY(!cache.peek(0, view));
+
+    // Writing into what get() returned leaves the item alone.
+    QVERIFY(cache.get(ids[0], out, &byPass));
+    out[0] = 'Z';
+    QVERIFY(cache.get(ids[0], out, &byPass));
+    QCOMPARE(out, QByteArray("0123"));
+
+    QVERIFY(cache.replace(ids[1], QByteArray("new"), false));
+    QVERIFY(cache.get(ids[1], out, &byPass));
+    QCOMPARE(out, QByteArray("new"));
+    QVERIFY(cache.get(ids[2], out, &byPass));
+    QCOMPARE(out, QByteArray("ij"));
+    const quint32 copy = cache.copyEntry(cache, ids[2]);
+    QVERIFY(cache.same(copy, ids[2]));
+    QVERIFY(cache.remove(ids[0]));
+    QVERIFY(!cache.contains(ids[0]));
+    QCOMPARE(cache.count(), 4);
+    QVERIFY(cache.get(copy, out, &byPass));
+    QCOMPARE(out, QByteArray("ij"));
+    cache.clear();
+    QCOMPARE(cache.count(), 0);
+    QVERIFY(!cache.get(ids[2], out, &byPass));
+
+    // A null block and no slices cost nothing and break nothing.
+    cache.addSlices(QByteArray(), slices, 2, ids);
+    QVERIFY(cache.get(ids[1], out, &byPass));
+    QVERIFY(out.isEmpty());
+    cache.addSlices(block, slices, 0, ids);
+    QCOMPARE(cache.count(), 2);
+}
+
+// Handles stay valid across thousands of adds and removes; a removed handle
+// never names the record's next item; changes are counted.
+void TestSpriteCache::handlesAndRevisions()
+{
+    QSpriteCache cache(QStringLiteral("bftest"), QSpriteCache::Memory, false);
+    QSpriteCache other(QStringLiteral("bftest"), QSpriteCache::Memory, false);
+    QList<quint32> ids;
+    for (int i = 0; i < 3000; ++i)
+        ids << cache.add(QByteArray::number(i), false);
+    for (int i = 0; i < 3000; i += 2)
+        QVERIFY(cache.remove(ids[i]));
+    QCOMPARE(cache.count(), 1500);
+    QByteArray out;
+    for (int i = 1; i < 3000; i += 2) {
+        QVERIFY(cache.get(ids[i], out));
+        QCOMPARE(out, QByteArray::number(i));
+        QVERIFY(!other.contains(ids[i]));
+    }
+    const quint32 reused = other.add(QByteArray("again"), false); // takes a freed record
+    QVERIFY(!ids.contains(reused));
+    QVERIFY(!cache.contains(reused));
+    QVERIFY(!other.contains(ids[0]));
+
+    QVERIFY(cache.changedSinceMark());
+    cache.mark();
+    QVERIFY(!cache.changedSinceMark());
+    QVERIFY(cache.get(ids[1], out));
+    QVERIFY(!cache.replace(ids[0], QByteArray("x"), false));
+    QVERIFY(!cache.remove(ids[0]));
+    QVERIFY(!cache.changedSinceMark());
+    QVERIFY(cache.replace(ids[1], QByteArray("x"), false));
+    QVERIFY(cache.changedSinceMark());
+    cache.mark();
+    cache.clear();
+    QVERIFY(cache.changedSinceMark());
 }
 
 void TestSpriteCache::undoCache()
