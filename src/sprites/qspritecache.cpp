@@ -169,6 +169,34 @@ bool QSpriteCache::replace(quint32 id, const QByteArray &bytes, bool compressIt)
     return true;
 }
 
+bool QSpriteCache::copyStored(QCacheEntry &e, const QSpriteCache &from, quint32 fromId)
+{
+    const QCacheEntry *src = from.m_entries.value(fromId);
+    if (!src)
+        return false;
+    const quint32 original = src->originalSize;
+    store(e, from.storedBytes(*src), false);
+    e.originalSize = original;
+    return true;
+}
+
+quint32 QSpriteCache::copyEntry(const QSpriteCache &from, quint32 fromId)
+{
+    if (!from.m_entries.contains(fromId))
+        return 0;
+    QCacheEntry *e = pool().take();
+    e->id = newId();
+    copyStored(*e, from, fromId);
+    m_entries.insert(e->id, e);
+    return e->id;
+}
+
+bool QSpriteCache::replaceEntry(quint32 id, const QSpriteCache &from, quint32 fromId)
+{
+    QCacheEntry *e = m_entries.value(id);
+    return e && copyStored(*e, from, fromId);
+}
+
 QByteArray QSpriteCache::storedBytes(const QCacheEntry &e) const
 {
     if (!e.inFile)

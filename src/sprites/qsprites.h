@@ -171,6 +171,10 @@ signals:
     void progress(uint pos, uint max, bool &allow);
     void orderMustBeChanged(QList<uint> sprites);
     void charPalette(QRGBPal *palette);
+    // A file could not be read or written as a whole (bad links, a sprite that
+    // can't be stored): the title and text for the user. The load or save has
+    // returned false.
+    void fileError(const QString &title, const QString &text);
 
 private:
     // Row changes with the model notifications; nothing else.
