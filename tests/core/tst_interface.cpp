@@ -13,6 +13,7 @@
 #include "core/qmugenmodel.h"
 #include "core/qproject.h"
 #include "core/ui/mainwindow.h"
+#include "core/ui/errordlg.h"
 #include "core/ui/qaskuser.h"
 #include "core/ui/qhistorymanager.h"
 #include "core/ui/qinterface.h"
@@ -28,6 +29,8 @@ struct Answers
     QMap<QString, QMessageBox::StandardButton> byTitle;
     QStringList files;       // handed out in order by file dialogs
     QStringList fileTitles;  // what the file dialogs were titled
+    // Asked when `files` is empty: title and filter to a name.
+    std::function<QString(const QString &, const QString &)> fileFor;
     QAskUser::MessageHandler oldMessages;
     QAskUser::FileHandler oldFiles;
     QAskUser::DialogHandler oldDialogs;
@@ -41,9 +44,11 @@ struct Answers
             return byTitle.value(title, def == QMessageBox::NoButton ? QMessageBox::Ok : def);
         });
         oldFiles = QAskUser::setFileHandler([this](QAskUser::FileMode, const QString &title, const QString &,
-                                                   const QString &) {
+                                                   const QString &filter) {
             fileTitles << title;
-            return files.isEmpty() ? QString() : files.takeFirst();
+            if (!files.isEmpty())
+                return files.takeFirst();
+            return fileFor ? fileFor(title, filter) : QString();
         });
         // Modal dialogs (template choice, SFF version) are accepted as they stand.
         oldDialogs = QAskUser::setDialogHandler([](QDialog *) { return int(QDialog::Accepted); });
@@ -91,6 +96,7 @@ class TestInterface : public QObject
 
 private slots:
     void initTestCase();
+    void init();
     void closingTheOnlyTabLeavesTheNextEmptyProject();
     void openingReplacesOnlyAnUntouchedFirstProject();
     void canSaveRefusesWhatTheEngineCannotRead();
@@ -98,6 +104,8 @@ private slots:
     void shortcutsFollowTheCurrentEditor();
     void actionListDockSideAndViewSwitches();
     void statusTextAndMenus();
+    void sampleCharacterOpensAndSavesAgain();
+    void cleanupTestCase();
 
 private:
     QTemporaryDir m_dir;
@@ -107,8 +115,16 @@ void TestInterface::initTestCase()
 {
     QVERIFY(m_dir.isValid());
     QInterface::setStateFolder(m_dir.path());
+    // The main window writes its configuration beside the program: start clean.
+    QFile::remove(QCoreApplication::applicationDirPath() + "/config.xml");
     // Start from the shortcuts the program ships with.
     QVERIFY(QFile::copy(QStringLiteral(BF_SOURCE_DIR "/data/shortcuts.xml"), m_dir.filePath("shortcuts.xml")));
+}
+
+void TestInterface::init()
+{
+    // Each case starts from the defaults, not from what the previous one saved.
+    QFile::remove(QCoreApplication::applicationDirPath() + "/config.xml");
 }
 
 void TestInterface::closingTheOnlyTabLeavesTheNextEmptyProject()
@@ -349,6 +365,12 @@ void TestInterface::statusTextAndMenus()
     QCOMPARE(ui->projectStatusLabel()->text(), QString("Project: Character, Version: M.U.G.E.N. 1.1"));
     for (int i = 0; i < QInterface::StatusFieldCount; ++i)
         QVERIFY(ui->statusField(i)->minimumWidth() >= 250);
+    ui->setStatusText(2, "x: 10");
+    QVERIFY(!ui->statusField(2)->isHidden());
+    ui->setStatusText(2, QString());
+    QVERIFY(ui->statusField(2)->isHidden());
+    ui->setStatusText(9, "ignored");
+    QCOMPARE(ui->statusField(9), nullptr);
 
     // Every command of the Project menu, in order, with the recent list after "Open".
     auto *file = w.findChild<QMenu *>("menuFile");
@@ -383,6 +405,57 @@ void TestInterface::statusTextAndMenus()
     // Help > About answers through the same seam as every other box.
     ui->helpAbout();
     QCOMPARE(answers.asked.last(), QString("About Brawlforge"));
+}
+
+void TestInterface::sampleCharacterOpensAndSavesAgain()
+{
+    BF_REQUIRE_SAMPLE();
+    Answers answers;
+    MainWindow w;
+    w.resize(1000, 700);
+    w.show();
+    QInterface *ui = Bf::mainInterface;
+    ui->openProject(TestSupport::samplePath("chars/kfm/kfm.def"));
+    QCOMPARE(ui->projectCount(), 1);
+    QCOMPARE(ui->tabBar()->tabText(0), QString("Kung Fu Man"));
+    QCOMPARE(ui->projectStatusLabel()->text(), QString("Project: Character, Version: M.U.G.E.N. 1.0"));
+    QProject *kfm = ui->currentProject();
+    const int sprites = kfm->sprites()->count();
+    QVERIFY(sprites > 0);
+    QVERIFY(kfm->statesCount() > 0);
+
+    const QString shots = qEnvironmentVariable("BF_SCREENSHOT_DIR");
+    if (!shots.isEmpty()) {
+        QTest::qWait(200);
+        QVERIFY(w.grab().save(shots + "/kfm-open.png"));
+    }
+
+    // Save as: every slot gets a name in a fresh folder, by its filter.
+    const QString out = m_dir.filePath("kfm-copy");
+    QVERIFY(QDir().mkpath(out));
+    answers.files << out + "/kfm.def";
+    answers.fileFor = [&](const QString &, const QString &filter) {
+        const QRegularExpression ext(R"(\*\.(\w+))");
+        const QString suffix = ext.match(filter).captured(1);
+        return out + "/kfm." + (suffix.isEmpty() ? QString("txt") : suffix);
+    };
+    ui->fileSaveAs();
+    QVERIFY(answers.asked.contains("Save as UTF-8"));
+    QVERIFY(QFile::exists(out + "/kfm.def"));
+    QVERIFY(QFile::exists(out + "/kfm.sff"));
+    QVERIFY(QFile::exists(out + "/kfm.cmd"));
+
+    // What was written opens again, with the same sprites.
+    ui->openProject(out + "/kfm.def");
+    QCOMPARE(ui->projectCount(), 2);
+    QCOMPARE(ui->currentProject()->sprites()->count(), sprites);
+    QCOMPARE(ui->currentProject()->type(), QProjectType::Character);
+    QCOMPARE(ui->currentProject()->messages()->issueCount() == 0 || ui->issuesDialog()->isVisible(), true);
+}
+
+void TestInterface::cleanupTestCase()
+{
+    QFile::remove(QCoreApplication::applicationDirPath() + "/config.xml");
 }
 
 QTEST_MAIN(TestInterface)

@@ -177,6 +177,9 @@ public:
     QList<QProject *> projects() const { return m_projects; }
     int projectCount() const { return int(m_projects.size()); }
     QLabel *statusField(int i) const { return m_statusFields.value(i); }
+    // Shows text in a status field; an empty text hides the field, so that
+    // the project status keeps its room in a narrow window.
+    void setStatusText(int field, const QString &text);
     QLabel *projectStatusLabel() const { return m_projectStatus; }
     QHistoryManager *history() const { return m_history; }
     QMenu *recentMenu() const { return m_recentMenu; }

@@ -188,11 +188,21 @@ void QInterface::buildStatusBar()
         field->setObjectName(QStringLiteral("statusField%1").arg(i));
         field->setMinimumWidth(250);
         bar->addWidget(field);
+        field->hide();
         m_statusFields.append(field);
     }
     m_projectStatus = new QLabel(bar);
     m_projectStatus->setObjectName(QStringLiteral("projectStatus"));
     bar->addPermanentWidget(m_projectStatus);
+}
+
+void QInterface::setStatusText(int field, const QString &text)
+{
+    QLabel *label = m_statusFields.value(field);
+    if (!label)
+        return;
+    label->setText(text);
+    label->setVisible(!text.isEmpty());
 }
 
 void QInterface::registerDialog(const QString &tag, QWidget *dialog)
