@@ -316,6 +316,9 @@ void TestInterface::actionListDockSideAndViewSwitches()
     QInterface *ui = Bf::mainInterface;
     auto *dock = w.findChild<QDockWidget *>();
     QVERIFY(dock);
+    // With nothing stored, the list is shown.
+    QVERIFY(!dock->isHidden());
+    QVERIFY(ui->actionManager().action("view_actions")->isChecked());
 
     w.addDockWidget(Qt::LeftDockWidgetArea, dock);
     (*Bf::config)["action_list_area"] = "0";

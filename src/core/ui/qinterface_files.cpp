@@ -29,11 +29,13 @@ QString configString(const char *key)
 
 bool configBool(const char *key, bool fallback)
 {
-    if (!Bf::config || !Bf::config->map.contains(QString::fromLatin1(key)))
+    if (!Bf::config)
         return fallback;
-    const QVariant v = Bf::config->map.value(QString::fromLatin1(key));
-    // Values read from the file are strings: "true"/"false" or numbers.
-    const QString s = v.toString().trimmed().toLower();
+    // Values read from the file are strings: "true"/"false" or numbers; a
+    // missing or empty value keeps the default.
+    const QString s = Bf::config->map.value(QString::fromLatin1(key)).toString().trimmed().toLower();
+    if (s.isEmpty())
+        return fallback;
     return s == QLatin1String("true") || s.toInt() != 0;
 }
 } // namespace

@@ -19,9 +19,10 @@ QString &stateFolderOverride()
 
 bool flag(const QMap<QString, QVariant> &map, const QString &key, bool fallback)
 {
-    if (!map.contains(key))
-        return fallback;
+    // A key that is missing, or present without a value, keeps the default.
     const QString s = map.value(key).toString().trimmed().toLower();
+    if (s.isEmpty())
+        return fallback;
     return s == QLatin1String("true") || s.toInt() != 0;
 }
 } // namespace
