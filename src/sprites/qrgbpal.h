@@ -12,6 +12,13 @@ struct QRGBColor
     quint8 g = 0;
     quint8 b = 0;
     quint8 a = 255;
+
+    // From and to an ARGB word as QImage and QColor use it.
+    static QRGBColor fromRgba(QRgb c) { return QRGBColor{quint8(qRed(c)), quint8(qGreen(c)), quint8(qBlue(c)), quint8(qAlpha(c))}; }
+    QRgb rgba() const { return qRgba(r, g, b, a); }
+
+    bool operator==(const QRGBColor &o) const { return r == o.r && g == o.g && b == o.b && a == o.a; }
+    bool operator!=(const QRGBColor &o) const { return !(*this == o); }
 };
 static_assert(sizeof(QRGBColor) == 4);
 
@@ -27,6 +34,16 @@ struct QRGBPal
     bool operator==(const QRGBPal &o) const { return std::memcmp(colors, o.colors, sizeof colors) == 0; }
     bool operator!=(const QRGBPal &o) const { return !(*this == o); }
 
+    // Every byte zero, alpha included: what readers start from, so that a short
+    // file leaves zeros behind.
+    static QRGBPal zeroed()
+    {
+        QRGBPal pal;
+        for (QRGBColor &c : pal.colors)
+            c = QRGBColor{0, 0, 0, 0};
+        return pal;
+    }
+
     quint8 *bytes() { return reinterpret_cast<quint8 *>(colors); }
     const quint8 *bytes() const { return reinterpret_cast<const quint8 *>(colors); }
 
@@ -35,15 +52,14 @@ struct QRGBPal
     {
         QList<QRgb> table(256);
         for (int i = 0; i < 256; ++i)
-            table[i] = qRgba(colors[i].r, colors[i].g, colors[i].b, colors[i].a);
+            table[i] = colors[i].rgba();
         return table;
     }
     static QRGBPal fromColorTable(const QList<QRgb> &table)
     {
         QRGBPal pal;
         for (int i = 0; i < 256 && i < table.size(); ++i)
-            pal.colors[i] = QRGBColor{quint8(qRed(table[i])), quint8(qGreen(table[i])),
-                                      quint8(qBlue(table[i])), quint8(qAlpha(table[i]))};
+            pal.colors[i] = QRGBColor::fromRgba(table[i]);
         return pal;
     }
 };

@@ -6,6 +6,7 @@
 #include <QRecursiveMutex>
 #include <QtEndian>
 #include <algorithm>
+#include <atomic>
 #include <memory>
 #include <vector>
 
@@ -168,6 +169,34 @@ bool QSpriteCache::replace(quint32 id, const QByteArray &bytes, bool compressIt)
     return true;
 }
 
+bool QSpriteCache::copyStored(QCacheEntry &e, const QSpriteCache &from, quint32 fromId)
+{
+    const QCacheEntry *src = from.m_entries.value(fromId);
+    if (!src)
+        return false;
+    const quint32 original = src->originalSize;
+    store(e, from.storedBytes(*src), false);
+    e.originalSize = original;
+    return true;
+}
+
+quint32 QSpriteCache::copyEntry(const QSpriteCache &from, quint32 fromId)
+{
+    if (!from.m_entries.contains(fromId))
+        return 0;
+    QCacheEntry *e = pool().take();
+    e->id = newId();
+    copyStored(*e, from, fromId);
+    m_entries.insert(e->id, e);
+    return e->id;
+}
+
+bool QSpriteCache::replaceEntry(quint32 id, const QSpriteCache &from, quint32 fromId)
+{
+    QCacheEntry *e = m_entries.value(id);
+    return e && copyStored(*e, from, fromId);
+}
+
 QByteArray QSpriteCache::storedBytes(const QCacheEntry &e) const
 {
     if (!e.inFile)
@@ -177,11 +206,22 @@ QByteArray QSpriteCache::storedBytes(const QCacheEntry &e) const
     return m_file.read(e.storedSize);
 }
 
+namespace {
+std::atomic<quint64> s_decodes{0};
+}
+
+quint64 QSpriteCache::decodeCount()
+{
+    return s_decodes.load(std::memory_order_relaxed);
+}
+
 bool QSpriteCache::get(quint32 id, QByteArray &out, const QBFCacheFilter *filter, const QSpriteSize &size) const
 {
     const QCacheEntry *e = m_entries.value(id);
     if (!e)
         return false;
+    if (!filter || filter != QBFCacheFilter::byPass())
+        s_decodes.fetch_add(1, std::memory_order_relaxed);
     out = storedBytes(*e);
     if (filter)
         out = filter->decode(out, size);

@@ -51,6 +51,12 @@ public:
     bool get(quint32 id, QByteArray &out, const QBFCacheFilter *filter = nullptr,
              const QSpriteSize &size = QSpriteSize()) const;
     bool remove(quint32 id);
+    // Copies an entry of `from` (which may be this cache) as it is stored: no
+    // decoding, no recompression, the original size kept. Returns the new
+    // handle, 0 if `fromId` is unknown.
+    quint32 copyEntry(const QSpriteCache &from, quint32 fromId);
+    // Overwrites entry `id` with such a copy; false if either handle is unknown.
+    bool replaceEntry(quint32 id, const QSpriteCache &from, quint32 fromId);
     void clear();
     // True if both handles exist and their stored bytes are equal.
     bool same(quint32 idA, quint32 idB) const;
@@ -62,6 +68,11 @@ public:
     // Size of the temporary file (0 in memory mode).
     qint64 fileSize() const;
     QString fileName() const;
+
+    // Reads that went through anything but the pass-through filter, i.e. that
+    // produced pixels or samples, process-wide. Lets tests prove that an
+    // operation never looked at image data.
+    static quint64 decodeCount();
 
     // Deletes the free records of the pool (when a cache dies or a project closes).
     static void purge();
@@ -78,6 +89,7 @@ public:
 private:
     QByteArray storedBytes(const QCacheEntry &e) const;
     void store(QCacheEntry &e, const QByteArray &bytes, bool compressIt);
+    bool copyStored(QCacheEntry &e, const QSpriteCache &from, quint32 fromId);
     quint32 newId();
 
     int m_mode = Memory;

@@ -1,0 +1,21 @@
+// Feeds arbitrary bytes to the palette-file loader. The first byte picks the
+// file suffix, the rest is the file.
+#include "sprites/qpalettefile.h"
+
+#include <QBuffer>
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
+{
+    static const char *const suffixes[] = {"act", "pal", "aco", "ase", "txt", "pcx", "png", "bmp"};
+    if (size < 1)
+        return 0;
+    const QString suffix = QString::fromLatin1(suffixes[data[0] % 8]);
+    QBuffer buffer;
+    buffer.setData(reinterpret_cast<const char *>(data + 1), qsizetype(size - 1));
+    if (!buffer.open(QIODevice::ReadOnly))
+        return 0;
+    QRGBPal colors;
+    QString error;
+    QPaletteFile::load(buffer, suffix, &colors, &error);
+    return 0;
+}

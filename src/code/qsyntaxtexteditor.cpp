@@ -1,0 +1,175 @@
+#include "qsyntaxtexteditor.h"
+
+#include "code/qmugensyntaxhierarchy.h"
+#include "code/qtextencoding.h"
+
+#include <QFile>
+#include <QRegularExpression>
+#include <QSaveFile>
+#include <QTextCodec>
+#include <QTextDocument>
+
+QSyntaxTextEditor::QSyntaxTextEditor(bool hierarchyEnabled, QObject *parent)
+    : QObject(parent)
+    , m_document(new QTextDocument(this))
+    , m_hierarchyEnabled(hierarchyEnabled)
+{
+    m_updateTimer.setSingleShot(true);
+    m_updateTimer.setInterval(1000);
+    connect(&m_updateTimer, &QTimer::timeout, this, &QSyntaxTextEditor::updateHierarchy);
+    connect(m_document, &QTextDocument::contentsChanged, this, &QSyntaxTextEditor::docChanged);
+    setSyntax(PlainText);
+}
+
+QSyntaxTextEditor::~QSyntaxTextEditor()
+{
+    m_updateTimer.stop();
+}
+
+bool QSyntaxTextEditor::isModified() const
+{
+    return m_document->isModified();
+}
+
+void QSyntaxTextEditor::setModified(bool modified)
+{
+    m_document->setModified(modified);
+}
+
+bool QSyntaxTextEditor::isEmpty() const
+{
+    return m_document->isEmpty();
+}
+
+QString QSyntaxTextEditor::text() const
+{
+    // Unlike toPlainText() this keeps non-breaking spaces as they are.
+    QString text = m_document->toRawText();
+    for (QChar &c : text)
+        if (c == QChar::ParagraphSeparator || c == QChar::LineSeparator)
+            c = QLatin1Char('\n');
+    return text;
+}
+
+void QSyntaxTextEditor::setText(const QString &text)
+{
+    m_document->setPlainText(text);
+}
+
+void QSyntaxTextEditor::setSyntax(int language)
+{
+    if (language == m_language)
+        return;
+    m_language = language;
+    delete m_hierarchy;
+    m_hierarchy = nullptr;
+    if (language == Mugen) {
+        m_hierarchy = new QMugenSyntaxHierarchy(this);
+        connect(m_hierarchy, &QSyntaxHierarchy::updated, this, &QSyntaxTextEditor::hierarchyUpdated);
+    }
+}
+
+int QSyntaxTextEditor::detectLanguage(const QString &text)
+{
+    static const QRegularExpression mugen(QStringLiteral("\\A\\s*[;\\[]"));
+    static const QRegularExpression lua(QStringLiteral("\\bfunction\\b"));
+    if (mugen.match(text).hasMatch())
+        return Mugen;
+    // A text that begins with the word "function" stays plain text.
+    const QRegularExpressionMatch m = lua.match(text);
+    if (m.hasMatch() && m.capturedStart() > 0)
+        return Lua;
+    return PlainText;
+}
+
+bool QSyntaxTextEditor::sectionExists(const QString &section) const
+{
+    return m_hierarchy && m_hierarchy->sectionExists(section);
+}
+
+QString QSyntaxTextEditor::findValue(const QString &section, const QString &key) const
+{
+    return m_hierarchy ? m_hierarchy->findValue(section, key) : QString();
+}
+
+bool QSyntaxTextEditor::loadFile(const QString &path, int defaultIndex, bool keepWatch, bool keepName)
+{
+    // The file watcher registers through its own owner; nothing to do here yet.
+    Q_UNUSED(keepWatch);
+    QFile file(path);
+    if (!file.exists()) {
+        m_errorString = tr("File not found");
+        return false;
+    }
+    if (!file.open(QIODevice::ReadOnly)) {
+        m_errorString = file.errorString();
+        return false;
+    }
+    const QByteArray bytes = file.readAll();
+    if (file.error() != QFileDevice::NoError) {
+        m_errorString = file.errorString();
+        return false;
+    }
+    QTextCodec *codec = QTextEncoding::detectCodec(bytes, defaultIndex);
+    QString text = QTextEncoding::decode(bytes, codec, &m_firstBadLine);
+    text.replace(QLatin1String("\r\n"), QLatin1String("\n"));
+
+    if (m_autoSyntax)
+        setSyntax(detectLanguage(text));
+    m_document->setPlainText(text);
+    m_document->setModified(false);
+    if (!keepName)
+        m_fileName = path;
+    m_encoding = codec ? codec->name() : QByteArray("UTF-8");
+    m_errorString.clear();
+    updateHierarchy();
+    return true;
+}
+
+bool QSyntaxTextEditor::saveFile(const QString &path, bool asUtf8, bool asCopy)
+{
+    const QByteArray encoding = asUtf8 ? QByteArray("UTF-8") : m_encoding;
+    QTextCodec *codec = QTextCodec::codecForName(encoding);
+    QString out = text();
+    out.replace(QLatin1Char('\n'), QLatin1String("\r\n"));
+
+    QSaveFile file(path);
+    if (!file.open(QIODevice::WriteOnly)) {
+        m_errorString = file.errorString();
+        return false;
+    }
+    const QByteArray bytes = QTextEncoding::encode(out, codec);
+    if (file.write(bytes) != bytes.size() || !file.commit()) {
+        m_errorString = file.errorString();
+        file.cancelWriting();
+        return false;
+    }
+    m_encoding = encoding;
+    if (!asCopy) {
+        m_document->setModified(false);
+        m_fileName = path;
+    }
+    m_errorString.clear();
+    return true;
+}
+
+void QSyntaxTextEditor::clear()
+{
+    m_document->clear();
+    m_document->setModified(false);
+    m_encoding = "UTF-8";
+    m_fileName.clear();
+    updateHierarchy();
+}
+
+void QSyntaxTextEditor::docChanged()
+{
+    m_updateTimer.start();
+}
+
+void QSyntaxTextEditor::updateHierarchy()
+{
+    m_updateTimer.stop();
+    if (m_hierarchyEnabled && m_hierarchy)
+        m_hierarchy->update(text());
+}

@@ -1,0 +1,89 @@
+#pragma once
+
+#include <QByteArray>
+#include <QObject>
+#include <QString>
+#include <QTimer>
+
+class QTextDocument;
+class QSyntaxHierarchy;
+
+// A text document of a project (DEF, CMD, CNS, ST): the text with its file
+// name, the encoding found when it was read (kept for the save), its language
+// and the outline that is rebuilt one second after the last edit.
+class QSyntaxTextEditor : public QObject
+{
+    Q_OBJECT
+
+public:
+    enum Language { PlainText = 0, Mugen = 1, Lua = 2 };
+
+    explicit QSyntaxTextEditor(bool hierarchyEnabled = true, QObject *parent = nullptr);
+    ~QSyntaxTextEditor() override;
+
+    QTextDocument *document() const { return m_document; }
+
+    QString fileName() const { return m_fileName; }
+    void setFileName(const QString &fileName) { m_fileName = fileName; }
+    QByteArray encoding() const { return m_encoding; }
+    void setEncoding(const QByteArray &encoding) { m_encoding = encoding; }
+
+    bool isModified() const;
+    void setModified(bool modified);
+    bool isEmpty() const;
+    // The plain text, lines separated by "\n".
+    QString text() const;
+    void setText(const QString &text);
+
+    int language() const { return m_language; }
+    void setSyntax(int language);
+    // With auto syntax off, a load keeps the language that was set.
+    void setAutoSyntax(bool on) { m_autoSyntax = on; }
+    static int detectLanguage(const QString &text);
+
+    quint32 engineVersion() const { return m_engineVersion; }
+    void setEngineVersion(quint32 version) { m_engineVersion = version; }
+
+    QSyntaxHierarchy *hierarchy() const { return m_hierarchy; }
+    bool hierarchyEnabled() const { return m_hierarchyEnabled; }
+    bool sectionExists(const QString &section) const;
+    QString findValue(const QString &section, const QString &key) const;
+
+    // Reads the file through the encoding detection, defaultIndex being the
+    // fallback code page. With keepName the text is taken over but the
+    // document stays bound to its own file (reading a backup back). Fails,
+    // leaving the document as it was, when the file can't be read.
+    bool loadFile(const QString &path, int defaultIndex, bool keepWatch = false, bool keepName = false);
+    // Writes the text with CR LF line ends and a byte-order mark where the
+    // encoding has one, through a temporary file renamed into place, so a
+    // failed save leaves the previous file whole. asCopy keeps name and
+    // modified flag.
+    bool saveFile(const QString &path, bool asUtf8, bool asCopy);
+    // Reason of the last failed load or save.
+    QString errorString() const { return m_errorString; }
+    // Line (0-based) of the first byte that the encoding of the last load
+    // could not map, -1 when every byte was read.
+    int firstBadLine() const { return m_firstBadLine; }
+
+    void clear();
+
+signals:
+    void hierarchyUpdated();
+
+public slots:
+    void updateHierarchy();
+    void docChanged();
+
+private:
+    QTextDocument *m_document;
+    QString m_fileName;
+    QByteArray m_encoding = "UTF-8";
+    QTimer m_updateTimer;
+    QSyntaxHierarchy *m_hierarchy = nullptr;
+    bool m_hierarchyEnabled;
+    bool m_autoSyntax = true;
+    int m_language = -1;
+    quint32 m_engineVersion = 0x01010000;
+    QString m_errorString;
+    int m_firstBadLine = -1;
+};

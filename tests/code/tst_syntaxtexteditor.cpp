@@ -1,0 +1,222 @@
+#include <QtTest>
+
+#include "code/qmugensyntaxhierarchy.h"
+#include "code/qsyntaxtexteditor.h"
+#include "code/qtextencoding.h"
+
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTextCodec>
+#include <QTextDocument>
+
+namespace {
+
+QByteArray readAll(const QString &path)
+{
+    QFile f(path);
+    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray("<unreadable>");
+}
+
+bool writeAll(const QString &path, const QByteArray &bytes)
+{
+    QFile f(path);
+    return f.open(QIODevice::WriteOnly) && f.write(bytes) == bytes.size();
+}
+
+} // namespace
+
+class TestSyntaxTextEditor : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void encodingTableAndDetection()
+    {
+        QCOMPARE(QTextEncoding::codepageName(0), QByteArray());
+        QCOMPARE(QTextEncoding::codepageName(1), QByteArray("UTF-8"));
+        QCOMPARE(QTextEncoding::codepageName(39), QByteArray("CP1252"));
+        QCOMPARE(QTextEncoding::codepageName(46), QByteArray("TIS-620"));
+        QCOMPARE(QTextEncoding::codepageName(47), QByteArray());
+        // Past the table counts as the system locale.
+        QCOMPARE(QTextEncoding::codecForIndex(47), QTextCodec::codecForLocale());
+        QCOMPARE(QTextEncoding::codecForIndex(-3), QTextCodec::codecForLocale());
+        QTextCodec *cp1252 = QTextCodec::codecForName("CP1252");
+        QVERIFY(cp1252);
+
+        // Nothing to detect: the fallback applies; the same for plain ASCII.
+        QCOMPARE(QTextEncoding::detectCodec(QByteArray(), 39), cp1252);
+        QCOMPARE(QTextEncoding::detectCodec(QByteArray("[Info]\r\nname = x\r\n"), 39), cp1252);
+        // A UTF-8 byte-order mark wins over any default.
+        QCOMPARE(QTextEncoding::detectCodec(QByteArray("\xEF\xBB\xBF[Info]\r\nname = \xC3\xA9t\xC3\xA9\r\n"), 39)->mibEnum(),
+                 106);
+        // Reading through a device leaves it at the start.
+        QBuffer buf;
+        buf.setData("; \xE6\x97\xA5\xE6\x9C\xAC\xE8\xAA\x9E\xE3\x81\xAE\xE3\x83\x86\xE3\x82\xAD\xE3\x82\xB9\xE3\x83\x88 "
+                    "\xE3\x81\xA7\xE3\x81\x99\xE3\x80\x82\xE6\x97\xA5\xE6\x9C\xAC\xE8\xAA\x9E\r\n");
+        buf.open(QIODevice::ReadOnly);
+        QCOMPARE(QTextEncoding::detectCodec(&buf, 39)->mibEnum(), 106);
+        QCOMPARE(buf.pos(), qint64(0));
+
+        // Bad bytes are found and located; the mark is dropped on decoding.
+        int badLine = -2;
+        QCOMPARE(QTextEncoding::decode("\xEF\xBB\xBF" "a\nb", nullptr, &badLine), QStringLiteral("a\nb"));
+        QCOMPARE(badLine, -1);
+        QTextEncoding::decode("ok\nok\nbad \xFF\xFE here", QTextCodec::codecForName("UTF-8"), &badLine);
+        QCOMPARE(badLine, 2);
+
+        // A byte-order mark only where the codec has one, in its byte order.
+        QCOMPARE(QTextEncoding::encode(QStringLiteral("A"), nullptr), QByteArray("\xEF\xBB\xBF" "A"));
+        QCOMPARE(QTextEncoding::encode(QStringLiteral("\u00E9"), cp1252), QByteArray("\xE9"));
+        QCOMPARE(QTextEncoding::encode(QStringLiteral("A"), QTextCodec::codecForName("UTF-16LE")),
+                 QByteArray("\xFF\xFE" "A\0", 4));
+        QCOMPARE(QTextEncoding::encode(QStringLiteral("A"), QTextCodec::codecForName("UTF-16BE")),
+                 QByteArray("\xFE\xFF\0A", 4));
+    }
+
+    void loadKeepsEncodingAndSaveWritesCrLf()
+    {
+        QTemporaryDir dir;
+        const QString path = dir.filePath(QStringLiteral("a.cns"));
+        // Legacy code page, LF line ends, no declaration.
+        const QByteArray legacy("; Caf\xE9 cr\xE8me br\xFBl\xE9\n[Statedef 200]\ntype = S\n");
+        QVERIFY(writeAll(path, legacy));
+
+        QSyntaxTextEditor doc;
+        QVERIFY(doc.loadFile(path, 39));
+        QVERIFY(doc.text().startsWith(QStringLiteral("; Caf\u00E9 cr\u00E8me br\u00FBl\u00E9\n")));
+        QCOMPARE(doc.language(), int(QSyntaxTextEditor::Mugen));
+        QCOMPARE(doc.fileName(), path);
+        QVERIFY(!doc.isModified());
+        QVERIFY(doc.sectionExists(QStringLiteral("STATEDEF")));
+        const QByteArray found = doc.encoding();
+        QVERIFY(!found.isEmpty());
+
+        // Saved back in the encoding found, CR LF, no mark for a legacy code page.
+        QByteArray expected = legacy;
+        expected.replace("\n", "\r\n");
+        const QString copy = dir.filePath(QStringLiteral("copy.cns"));
+        QVERIFY(doc.saveFile(copy, false, true));
+        QCOMPARE(readAll(copy), expected);
+        QCOMPARE(doc.fileName(), path); // a copy keeps the document's own file
+
+        doc.document()->setPlainText(doc.text() + QStringLiteral("\u65E5"));
+        QVERIFY(doc.isModified());
+        QVERIFY(doc.saveFile(path, true, false));
+        QCOMPARE(doc.encoding(), QByteArray("UTF-8"));
+        QVERIFY(!doc.isModified());
+        const QByteArray utf8 = readAll(path);
+        QVERIFY(utf8.startsWith("\xEF\xBB\xBF; Caf\xC3\xA9"));
+        QVERIFY(utf8.contains("\r\n[Statedef 200]\r\n"));
+        QVERIFY(!utf8.contains("\r\r"));
+
+        // A load with the document's name kept (reading a backup back).
+        QSyntaxTextEditor other;
+        other.setFileName(QStringLiteral("/elsewhere/own.cns"));
+        QVERIFY(other.loadFile(path, 0, true, true));
+        QCOMPARE(other.fileName(), QStringLiteral("/elsewhere/own.cns"));
+        QCOMPARE(other.text(), doc.text());
+
+        // Missing file: false, the document as it was.
+        QVERIFY(!other.loadFile(dir.filePath(QStringLiteral("none.cns")), 0));
+        QCOMPARE(other.text(), doc.text());
+        QVERIFY(!other.errorString().isEmpty());
+
+        other.clear();
+        QVERIFY(other.isEmpty());
+        QCOMPARE(other.encoding(), QByteArray("UTF-8"));
+        QCOMPARE(other.fileName(), QString());
+    }
+
+    void failedSaveKeepsPreviousFile()
+    {
+        QTemporaryDir dir;
+        QSyntaxTextEditor doc;
+        doc.setText(QStringLiteral("[Info]\nname = new"));
+
+        // The target is a directory: nothing is written, nothing is lost.
+        const QString asDir = dir.filePath(QStringLiteral("taken.def"));
+        QVERIFY(QDir().mkpath(asDir + QStringLiteral("/inner")));
+        QVERIFY(!doc.saveFile(asDir, false, false));
+        QVERIFY(QFileInfo(asDir + QStringLiteral("/inner")).isDir());
+        QVERIFY(!doc.errorString().isEmpty());
+
+        // The temporary file beside the target can't be made (its name is
+        // too long for the file system): the previous file stays whole.
+        const QString longName = dir.filePath(QString(248, QLatin1Char('n')) + QStringLiteral(".def"));
+        const QByteArray previous("\xEF\xBB\xBF[Info]\r\nname = old\r\n");
+        QVERIFY(writeAll(longName, previous));
+        QVERIFY(!doc.saveFile(longName, false, false));
+        QCOMPARE(readAll(longName), previous);
+        QCOMPARE(QDir(dir.path()).entryList(QDir::Files).size(), 1);
+        QVERIFY(doc.fileName().isEmpty());
+    }
+
+    void languageAndHierarchy()
+    {
+        QCOMPARE(QSyntaxTextEditor::detectLanguage(QStringLiteral("  \n; c\n")), int(QSyntaxTextEditor::Mugen));
+        QCOMPARE(QSyntaxTextEditor::detectLanguage(QStringLiteral("[Info]")), int(QSyntaxTextEditor::Mugen));
+        QCOMPARE(QSyntaxTextEditor::detectLanguage(QStringLiteral("local function f() end")), int(QSyntaxTextEditor::Lua));
+        // A text that starts with the word stays plain.
+        QCOMPARE(QSyntaxTextEditor::detectLanguage(QStringLiteral("function f() end")), int(QSyntaxTextEditor::PlainText));
+
+        QSyntaxTextEditor doc;
+        doc.setSyntax(QSyntaxTextEditor::Mugen);
+        QSignalSpy spy(&doc, &QSyntaxTextEditor::hierarchyUpdated);
+        doc.setText(QStringLiteral(
+            "; header\n[Info]\nname = \"Kung Fu; Man\" ; comment\nmugenversion = 1.0\n\n"
+            "[Files]\nsprite = kfm.sff\n[Data]\nlife = 1000\n[Size]\nxscale = 1\n"
+            "[Statedef 200]\ntype = S\n[State 200, 1]\ntype = ChangeState\n[State 200, 2]\ntype = VarSet\n"
+            "[Command]\nname = \"QCF_x\"\ncommand = ~D, DF, F, x\n[Command]\nname = \"x\"\n"
+            "[Begin Action 0]\n0,0, 0,0, 10\n[Victory Quotes]\nvictory1 = \"Ha\"\n"));
+        // Edits only restart the timer; the hierarchy follows on the update.
+        QCOMPARE(spy.count(), 0);
+        doc.updateHierarchy();
+        QCOMPARE(spy.count(), 1);
+
+        auto *h = qobject_cast<QMugenSyntaxHierarchy *>(doc.hierarchy());
+        QVERIFY(h);
+        QCOMPARE(h->name(), QStringLiteral("Kung Fu; Man"));
+        QCOMPARE(doc.findValue(QStringLiteral("INFO"), QStringLiteral("MugenVersion")), QStringLiteral("1.0"));
+        QCOMPARE(doc.findValue(QStringLiteral("files"), QStringLiteral("sprite")), QStringLiteral("kfm.sff"));
+        QCOMPARE(doc.findValue(QStringLiteral("data"), QStringLiteral("life")), QStringLiteral("1000"));
+        QCOMPARE(doc.findValue(QStringLiteral("files"), QStringLiteral("anim")), QString());
+        QVERIFY(doc.sectionExists(QStringLiteral("files")));
+        QVERIFY(!doc.sectionExists(QStringLiteral("bgdef")));
+
+        // Top level: info, files, const, statedef, commands, anim, quotes.
+        QStringList top;
+        for (int r = 0; r < h->rowCount(); ++r)
+            top << h->data(h->index(r, 0)).toString();
+        QCOMPARE(top, (QStringList{QStringLiteral("Info"), QStringLiteral("Files"), QStringLiteral("Constants"),
+                                   QStringLiteral("Statedef 200"), QStringLiteral("Commands"),
+                                   QStringLiteral("Begin Action 0"), QStringLiteral("Victory Quotes")}));
+        const QModelIndex statedef = h->index(3, 0);
+        QCOMPARE(h->rowCount(statedef), 2);
+        QCOMPARE(h->parent(h->index(1, 0, statedef)), statedef);
+        const QModelIndex commands = h->index(4, 0);
+        QCOMPARE(h->data(h->index(0, 0, commands)).toString(), QStringLiteral("QCF_x"));
+        QCOMPARE(h->rowCount(h->index(6, 0)), 1);
+
+        // The deepest node at a line: line 14 is inside [State 200, 1].
+        const QModelIndex at = h->nodeAtLine(14);
+        QCOMPARE(h->data(at).toString(), QStringLiteral("State 200, 1"));
+        QVERIFY(!h->nodeAtLine(0).isValid());
+
+        // Empty text leaves an empty outline and no name.
+        doc.setText(QString());
+        doc.updateHierarchy();
+        QCOMPARE(h->rowCount(), 0);
+        QCOMPARE(h->name(), QString());
+
+        // Without the hierarchy an edit never reports an update.
+        QSyntaxTextEditor off(false);
+        off.setSyntax(QSyntaxTextEditor::Mugen);
+        QSignalSpy offSpy(&off, &QSyntaxTextEditor::hierarchyUpdated);
+        off.setText(QStringLiteral("[Info]"));
+        off.updateHierarchy();
+        QCOMPARE(offSpy.count(), 0);
+    }
+};
+
+QTEST_GUILESS_MAIN(TestSyntaxTextEditor)
+#include "tst_syntaxtexteditor.moc"
