@@ -493,6 +493,12 @@ bool QProject::fromFile(const QString &fileName, uint codepage, bool backup, boo
 
     // Palette files land in group 1 as 1, 2, 3...; every file found takes its
     // number even when it can't be read, so the others keep theirs.
+    // Reading a backup back replaces what the store holds but keeps its file.
+    if (temporary && (m_sprites.count() > 0 || m_sprites.paletteCount() > 0)) {
+        const QString keep = m_sprites.fileName;
+        m_sprites.clear();
+        m_sprites.fileName = keep;
+    }
     if (isCharacter()) {
         int number = 0;
         m_paletteNumbers.clear();
@@ -541,23 +547,48 @@ bool QProject::fromFile(const QString &fileName, uint codepage, bool backup, boo
         return finish();
 
     if (isCharacter()) {
+        // A backup read back fills the documents already open for those files;
+        // a real load starts the list afresh.
+        QList<QSyntaxTextEditor *> previous;
+        if (temporary)
+            previous = m_states;
+        else
+            qDeleteAll(m_states);
+        m_states.clear();
         for (const QString &name : files.states) {
             const QString path = existing(name);
             if (!path.isEmpty()) {
-                auto *doc = new QSyntaxTextEditor(true);
-                doc->setEngineVersion(m_version);
-                if (doc->loadFile(path, int(codepage), temporary, false)) {
-                    doc->setObjectName(QFileInfo(path).fileName());
+                const QString shortName = QFileInfo(path).fileName();
+                QSyntaxTextEditor *doc = nullptr;
+                for (QSyntaxTextEditor *d : std::as_const(previous))
+                    if (d->objectName() == shortName)
+                        doc = d;
+                const bool reused = doc != nullptr;
+                previous.removeOne(doc);
+                if (!doc) {
+                    doc = new QSyntaxTextEditor(true);
+                    doc->setEngineVersion(m_version);
+                }
+                if (doc->loadFile(path, int(codepage), temporary, reused)) {
+                    if (!reused)
+                        doc->setObjectName(shortName);
                     m_states.append(doc);
                     reportBadBytes(*doc);
                 } else {
                     m_messages.addError(tr("%1: Can't be read: %2").arg(place(path), doc->errorString()));
-                    delete doc;
+                    if (reused)
+                        m_states.append(doc);
+                    else
+                        delete doc;
                 }
             }
-            if (!step(++done, total))
+            if (!step(++done, total)) {
+                m_states.append(previous);
                 return finish();
+            }
         }
+        // Documents the backup has no file for stay as they are.
+        m_states.append(previous);
     }
     return finish();
 }

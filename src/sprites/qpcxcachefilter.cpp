@@ -49,7 +49,8 @@ QImage readPcx(const QByteArray &file, int clipW, int clipH)
     QImage image(width, height, format);
     if (image.isNull())
         return image;
-    image.fill(0);
+    // Padding included, so that equal images give equal buffers.
+    std::memset(image.bits(), 0, size_t(image.sizeInBytes()));
 
     // Byte placement within a line: 8-bit planes are the colour components
     // (red, green, blue, alpha) of 32-bit pixels; anything else goes to byte
@@ -145,7 +146,7 @@ QByteArray QPCXCacheFilter::decode(const QByteArray &stored, const QSpriteSize &
     if (image.isNull())
         return out;
     const qsizetype stride = size.bytesPerLine();
-    const qsizetype copy = qMin<qsizetype>(stride, image.bytesPerLine());
+    const qsizetype copy = qMin<qsizetype>(stride, (qsizetype(image.width()) * image.depth() + 7) / 8);
     for (int y = 0; y < image.height() && y < size.height; ++y)
         std::memcpy(out.data() + y * stride, image.constScanLine(y), size_t(copy));
     return out;

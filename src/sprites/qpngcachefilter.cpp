@@ -24,7 +24,7 @@ QByteArray QPNGCacheFilter::decode(const QByteArray &stored, const QSpriteSize &
     if (image.isNull())
         return out;
     const qsizetype stride = size.bytesPerLine();
-    const qsizetype copy = qMin<qsizetype>(stride, image.bytesPerLine());
+    const qsizetype copy = qMin<qsizetype>(stride, (qsizetype(image.width()) * image.depth() + 7) / 8);
     for (int y = 0; y < image.height() && y < size.height; ++y)
         std::memcpy(out.data() + y * stride, image.constScanLine(y), size_t(copy));
     return out;

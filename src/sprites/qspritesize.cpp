@@ -66,7 +66,13 @@ QByteArray QSpriteSize::rawBytes(const QImage &image)
 {
     if (image.isNull())
         return QByteArray();
-    return QByteArray(reinterpret_cast<const char *>(image.constBits()), image.sizeInBytes());
+    // Line by line, with the padding zeroed: QImage leaves it undefined.
+    const qsizetype line = (qsizetype(image.width()) * image.depth() + 7) / 8;
+    const qsizetype stride = image.bytesPerLine();
+    QByteArray out(stride * image.height(), '\0');
+    for (int y = 0; y < image.height(); ++y)
+        std::memcpy(out.data() + y * stride, image.constScanLine(y), size_t(line));
+    return out;
 }
 
 QByteArray QSpriteSize::padLines(const QByteArray &packed, int lineBytes) const

@@ -31,7 +31,7 @@ struct QSpriteSize
     QImage toImage(const QByteArray &raw) const;
     // The image's lines without padding, back to back.
     static QByteArray packedPixels(const QImage &image);
-    // The image's buffer as raw bytes, padding included.
+    // The image's buffer as raw bytes, padding included (as zeros).
     static QByteArray rawBytes(const QImage &image);
     // Pixels packed line after line, spread into the padded layout of this size.
     QByteArray padLines(const QByteArray &packed, int lineBytes) const;

@@ -3,6 +3,7 @@
 #include "core/qmugenmodel.h"
 #include "core/qxmlhelper.h"
 
+#include <QDomDocument>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 
@@ -161,13 +162,22 @@ private slots:
         const QString text = QString::fromUtf8(f.readAll());
         f.close();
         QVERIFY(text.startsWith("<!DOCTYPE ORVConfigML>\n<configuration>\n    <config "));
-        QVERIFY(text.contains("<config name=\"enable_file_watcher\" value=\"\"/>"));
-        QVERIFY(text.contains("<config name=\"confirm_close\" value=\"true\"/>"));
-        // Map order: keys ascending.
-        const int a = text.indexOf("\"ask_save_palettes\"");
-        const int b = text.indexOf("\"background_file\"");
-        const int w = text.indexOf("\"zoom_level\"");
-        QVERIFY(a > 0 && a < b && b < w);
+        // Every entry, in map order (keys ascending); unset-but-read keys with an empty value.
+        QDomDocument doc;
+        QVERIFY(doc.setContent(text));
+        QStringList keys;
+        for (QDomElement e = doc.documentElement().firstChildElement("config"); !e.isNull();
+             e = e.nextSiblingElement("config")) {
+            keys << e.attribute("name");
+            if (keys.last() == "enable_file_watcher") {
+                QVERIFY(e.hasAttribute("value"));
+                QCOMPARE(e.attribute("value"), QString());
+            }
+            if (keys.last() == "confirm_close")
+                QCOMPARE(e.attribute("value"), QStringLiteral("true"));
+        }
+        QCOMPARE(keys, m.map.keys());
+        QVERIFY(keys.contains("enable_file_watcher"));
 
         // Missing file: false, defaults, no message.
         m.map["zoom_level"] = 7;

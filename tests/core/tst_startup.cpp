@@ -6,6 +6,8 @@
 #include "core/qxmlhelper.h"
 #include "core/ui/mainwindow.h"
 #include "core/ui/qinterface.h"
+#include "sprites/qbfcachefilter.h"
+#include "sprites/qspritecache.h"
 
 #include <QDockWidget>
 #include <QListView>
@@ -68,7 +70,7 @@ private slots:
         auto *w = new MainWindow;
         const QStringList created = QLifecycleLog::entries();
         const QStringList expectedCreation{
-            "+MainWindow",          "+QIconsetManager",       "+QStylesheetManager",
+            "+MainWindow",          "+cache filters",         "+QIconsetManager",       "+QStylesheetManager",
             "+QColorsetManager",    "+SyntaxFormats",         "+QMugenModel",
             "config.xml read",      "+QPresetManager",        "+QLanguageManager",
             "+QSCtrlManager",       "+QScriptManager",        "+QSnippetManager",
@@ -101,6 +103,8 @@ private slots:
         QCOMPARE(Bf::mainInterface->tabBar()->count(), 1);
         QCOMPARE(Bf::mainInterface->tabBar()->tabText(0), QStringLiteral("Project 1"));
         QCOMPARE(Bf::mainInterface->currentEditorId(), 0);
+        QVERIFY(QBFCacheFilter::filter(QBFCacheFilter::LZ5));
+        QVERIFY(QSpriteCache::undoCache());
         QVERIFY(m_xmlFailures.isEmpty());
 
         // The window's state must reach the file: the controller writes it
@@ -113,9 +117,12 @@ private slots:
             "config.xml written",   "-QFileWatcherManager", "-QScriptManager",
             "-QSCtrlManager",       "-QLanguageManager",   "-QPresetManager",
             "-QMugenModel",         "-SyntaxFormats",      "-QColorsetManager",
-            "-QStylesheetManager",  "-QIconsetManager",    "-MainWindow"};
+            "-QStylesheetManager",  "-QIconsetManager",    "-cache filters",
+            "-MainWindow"};
         QCOMPARE(QLifecycleLog::entries(), expectedDestruction);
         QVERIFY(!Bf::mainInterface);
+        QVERIFY(!QBFCacheFilter::filter(QBFCacheFilter::LZ5));
+        QVERIFY(!QSpriteCache::undoCache());
         QMugenModel saved;
         QVERIFY(saved.load(m_config));
         QCOMPARE(saved.map.value("window_width").toInt(), 640);

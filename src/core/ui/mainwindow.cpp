@@ -25,6 +25,8 @@
 #include "scripting/qscriptmanager.h"
 #include "scripting/qsnippetmanager.h"
 #include "sounds/ui/qsoundseditor.h"
+#include "sprites/qbfcachefilter.h"
+#include "sprites/qspritecache.h"
 #include "sprites/ui/qorganizereditor.h"
 #include "sprites/ui/qpaletteseditor.h"
 #include "sprites/ui/qspriteseditor.h"
@@ -55,8 +57,11 @@ MainWindow::MainWindow(QWidget *parent)
     QCoreApplication::addLibraryPath(QCoreApplication::applicationDirPath());
     QLifecycleLog::record(QStringLiteral("+MainWindow"));
 
-    // TODO(codecs): the two syntax definitions and the five shared image-cache
-    // filters are created first, once their classes have landed.
+    // TODO(syntax): the two syntax definitions are created first, once their
+    // classes have landed.
+    QBFCacheFilter::createFilters();
+    QSpriteCache::createUndoCache();
+    QLifecycleLog::record(QStringLiteral("+cache filters"));
     Bf::iconsets = new QIconsetManager(dataPath("/iconsets"));
     Bf::stylesheets = new QStylesheetManager(dataPath("/styles"));
     Bf::colorsets = new QColorsetManager(dataPath("/colorsets"));
@@ -123,6 +128,11 @@ MainWindow::~MainWindow()
     delete Bf::iconsets;
     Bf::iconsets = nullptr;
     // The snippet list stays until the process ends: scripts may still name it.
+
+    QBFCacheFilter::destroyFilters();
+    QSpriteCache::destroyUndoCache();
+    QSpriteCache::purge();
+    QLifecycleLog::record(QStringLiteral("-cache filters"));
     delete ui;
     QLifecycleLog::record(QStringLiteral("-MainWindow"));
 }
