@@ -25,10 +25,14 @@ QVariant QMessages::data(const QModelIndex &index, int role) const
     if (role == Qt::DisplayRole)
         return m.text;
     if (role == Qt::DecorationRole) {
+        // Views ask on the main thread only; the icons are made once.
+        static const QIcon error(QStringLiteral(":/imgs/Imgs/error.png"));
+        static const QIcon warning(QStringLiteral(":/imgs/Imgs/warn.png"));
+        static const QIcon info(QStringLiteral(":/imgs/Imgs/info.png"));
         switch (m.kind) {
-        case Error: return QIcon(QStringLiteral(":/imgs/Imgs/error.png"));
-        case Warning: return QIcon(QStringLiteral(":/imgs/Imgs/warn.png"));
-        default: return QIcon(QStringLiteral(":/imgs/Imgs/info.png"));
+        case Error: return error;
+        case Warning: return warning;
+        default: return info;
         }
     }
     return QVariant();

@@ -17,6 +17,9 @@ public:
     // Why the last load() failed, for the caller's message.
     QString error() const { return m_error; }
 
+    // Up to `limit` bytes without reserving `limit` first, as QIODevice::read does.
+    static QByteArray readAtMost(QIODevice &device, qint64 limit);
+
 protected:
     bool fail(const QString &why)
     {

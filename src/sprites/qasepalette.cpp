@@ -80,7 +80,7 @@ bool QASEPalette::load(QIODevice &device, QRGBPal *colors)
         const quint32 length = qFromBigEndian<quint32>(bh.constData() + 2);
         if (length > (1u << 20))
             return fail(tr("A block of the swatch exchange file is too large."));
-        const QByteArray body = device.read(length);
+        const QByteArray body = readAtMost(device, length);
         if (body.size() < qsizetype(length))
             return fail(tr("The swatch exchange file is truncated."));
         // Groups and unknown blocks are skipped by their length.

@@ -12,7 +12,7 @@ static QString tr(const char *text)
 bool QJascPalette::load(QIODevice &device, QRGBPal *colors)
 {
     // A palette text is tiny; a large file is not one.
-    const QByteArray data = device.read(1 << 20);
+    const QByteArray data = readAtMost(device, 1 << 20);
     const QStringList lines = QString::fromLatin1(data).split(QRegularExpression(QStringLiteral("[\r\n]")),
                                                               Qt::SkipEmptyParts);
     if (lines.size() < 3 || lines.at(0).trimmed() != QLatin1String("JASC-PAL"))

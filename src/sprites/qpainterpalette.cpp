@@ -6,7 +6,7 @@
 
 bool QPainterPalette::load(QIODevice &device, QRGBPal *colors)
 {
-    const QByteArray data = device.read(1 << 20);
+    const QByteArray data = readAtMost(device, 1 << 20);
     if (!data.startsWith("ROWS"))
         return fail(QCoreApplication::translate("QPaletteFile", "The file does not start with ROWS."));
     static const QRegularExpression colour(QStringLiteral(

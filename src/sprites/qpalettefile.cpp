@@ -44,19 +44,30 @@ QString QPaletteFile::saveFilter()
 // The colour table of an 8-bit PCX sits in its last 769 bytes, after the byte 12.
 static bool pcxPalette(QIODevice &device, QRGBPal *colors, QString *error)
 {
-    const QByteArray data = device.read(64 << 20);
-    if (data.size() < 128 + 769 || quint8(data[0]) != 10) {
+    // Only the header and the tail matter; skip the pixels where the device allows it.
+    QByteArray head, tail;
+    if (!device.isSequential() && device.size() - device.pos() >= 128 + 769) {
+        head = device.read(128);
+        device.seek(device.size() - 769);
+        tail = device.read(769);
+    } else {
+        const QByteArray data = QAbstractPalette::readAtMost(device, 64 << 20);
+        head = data.left(128);
+        if (data.size() >= 128 + 769)
+            tail = data.right(769);
+    }
+    if (head.size() < 128 || tail.size() < 769 || quint8(head[0]) != 10) {
         setError(error, tr("The file is not a PCX image."));
         return false;
     }
-    const int bits = quint8(data[3]) * quint8(data[65]);
-    const auto *tail = reinterpret_cast<const quint8 *>(data.constData() + data.size() - 769);
-    if (bits != 8 || tail[0] != 12) {
+    const int bits = quint8(head[3]) * quint8(head[65]);
+    const auto *t = reinterpret_cast<const quint8 *>(tail.constData());
+    if (bits != 8 || t[0] != 12) {
         setError(error, tr("The image is not color indexed."));
         return false;
     }
     for (int i = 0; i < 256; ++i)
-        (*colors)[i] = QRGBColor{tail[1 + i * 3], tail[2 + i * 3], tail[3 + i * 3], 255};
+        (*colors)[i] = QRGBColor{t[1 + i * 3], t[2 + i * 3], t[3 + i * 3], 255};
     return true;
 }
 

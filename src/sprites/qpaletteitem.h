@@ -3,6 +3,7 @@
 #include "sprites/qrgbpal.h"
 
 #include <QtGlobal>
+#include <cstring>
 
 // The block that paletteInfo() copies in and out: the first five fields of a
 // palette, ten bytes with the natural padding after hasColors.
@@ -13,6 +14,36 @@ struct QPaletteInfo
     qint16 number = 0;
     quint16 link = 0;
     quint16 colorCount = 256;
+
+    // The block as two words and a half-word, the way scripts and undo records
+    // carry it: byte 0 hasColors, byte 1 padding (0), then group, number, link,
+    // colorCount in native byte order.
+    void toWords(quint32 *first, quint32 *second, quint16 *third) const
+    {
+        unsigned char raw[10] = {};
+        raw[0] = hasColors ? 1 : 0;
+        std::memcpy(raw + 2, &group, 2);
+        std::memcpy(raw + 4, &number, 2);
+        std::memcpy(raw + 6, &link, 2);
+        std::memcpy(raw + 8, &colorCount, 2);
+        std::memcpy(first, raw, 4);
+        std::memcpy(second, raw + 4, 4);
+        std::memcpy(third, raw + 8, 2);
+    }
+    static QPaletteInfo fromWords(quint32 first, quint32 second, quint16 third)
+    {
+        unsigned char raw[10];
+        std::memcpy(raw, &first, 4);
+        std::memcpy(raw + 4, &second, 4);
+        std::memcpy(raw + 8, &third, 2);
+        QPaletteInfo i;
+        i.hasColors = raw[0] != 0;
+        std::memcpy(&i.group, raw + 2, 2);
+        std::memcpy(&i.number, raw + 4, 2);
+        std::memcpy(&i.link, raw + 6, 2);
+        std::memcpy(&i.colorCount, raw + 8, 2);
+        return i;
+    }
 
     bool operator==(const QPaletteInfo &o) const
     {

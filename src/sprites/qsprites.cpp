@@ -17,6 +17,17 @@ constexpr quint16 Portraits = 9000;
 quint16 low16(quint32 w) { return quint16(w & 0xFFFF); }
 quint16 high16(quint32 w) { return quint16(w >> 16); }
 
+// When owner and link trade places, they trade how the bytes are read too. A
+// link normally carries its owner's size already; trading rather than copying
+// keeps a move and its inverse exact even for a stale link.
+void swapStorage(QSpriteItem &a, QSpriteItem &b)
+{
+    std::swap(a.filter, b.filter);
+    std::swap(a.width, b.width);
+    std::swap(a.height, b.height);
+    std::swap(a.imageFormat, b.imageFormat);
+}
+
 } // namespace
 
 bool QSprites::samePalettes(const QPaletteList &a, const QPaletteList &b)
@@ -102,6 +113,14 @@ void QSprites::touch()
     emit changed();
 }
 
+void QSprites::rowChanged(int i)
+{
+    if (!validIndex(i))
+        return;
+    const QModelIndex mi = createIndex(i, 0);
+    emit dataChanged(mi, mi, {Qt::DisplayRole});
+}
+
 void QSprites::insertRecord(int i)
 {
     beginInsertRows(QModelIndex(), i, i);
@@ -162,13 +181,14 @@ void QSprites::remove(int i)
         if (!s->info.hasImage && s->info.link == i) {
             if (heir < 0 && owner)
                 heir = k;
-            relinked.append({quint32(k), s->info, s->filter});
+            relinked.append({quint32(k), s->info, s->filter, s->spriteSize()});
         }
     }
     if (heir >= 0) {
         QSpriteItem *h = sprites[heir];
         h->cacheId = it->cacheId;
         h->filter = it->filter;
+        h->setSpriteSize(it->spriteSize());
         h->info.hasImage = true;
         h->info.link = 0;
         it->cacheId = 0;
@@ -248,7 +268,7 @@ void QSprites::move(int from, int to)
                 l->info.hasImage = true;
                 l->info.link = 0;
                 l->cacheId = m->cacheId;
-                std::swap(l->filter, m->filter);
+                swapStorage(*l, *m);
                 m->info.hasImage = false;
                 m->cacheId = 0;
                 m->info.link = quint16(j);
@@ -282,7 +302,7 @@ void QSprites::move(int from, int to)
                     m->info.hasImage = true;
                     m->info.link = 0;
                     m->cacheId = target->cacheId;
-                    std::swap(m->filter, target->filter);
+                    swapStorage(*m, *target);
                     target->info.hasImage = false;
                     target->cacheId = 0;
                     target->info.link = quint16(to);
@@ -424,8 +444,7 @@ void QSprites::renameGroup(int group, int newGroup, bool whole, int first, int l
         }
         s.group = quint16(newGroup);
         any = true;
-        const QModelIndex mi = createIndex(k, 0);
-        emit dataChanged(mi, mi);
+        rowChanged(k);
     }
     if (any)
         touch();
@@ -462,8 +481,9 @@ void QSprites::duplicate(int i, bool copyImage)
     const int root = src->info.hasImage ? i : rootOf(i);
     if (copyImage && root >= 0 && sprites[root]->cacheId) {
         // The stored bytes are copied as they are: nothing is decoded.
-        dst->cacheId = cache.add(storedBytes(root), false);
+        dst->cacheId = cache.copyEntry(cache, sprites[root]->cacheId);
         dst->filter = sprites[root]->filter;
+        dst->setSpriteSize(sprites[root]->spriteSize());
         dst->info.hasImage = true;
         dst->info.link = 0;
     } else if (!copyImage || root >= 0) {
@@ -505,8 +525,7 @@ void QSprites::setInfo(int i, const QSpriteInfo &info)
     if (undoEnabled)
         undoStack.push(new SpriteChangeInfo(this, quint32(i), cur));
     cur = next;
-    const QModelIndex mi = createIndex(i, 0);
-    emit dataChanged(mi, mi);
+    rowChanged(i);
     touch();
 }
 
@@ -682,8 +701,7 @@ bool QSprites::changeImage(int i, const QImage &source, int paletteMode, bool in
         if (it->info != oldInfo)
             undoStack.push(new SpriteChangeInfo(this, quint32(i), oldInfo));
     }
-    const QModelIndex mi = createIndex(i, 0);
-    emit dataChanged(mi, mi);
+    rowChanged(i);
     touch();
     return true;
 }
@@ -818,21 +836,14 @@ QByteArray QSprites::storedBytes(int i) const
     return out;
 }
 
-void QSprites::restoreStored(int i, bool hasEntry, const QByteArray &bytes, quint16 filter,
-                             const QSpriteSize &size)
+void QSprites::adoptEntry(int i, quint32 id, quint16 filter, const QSpriteSize &size)
 {
     if (!validIndex(i))
         return;
     QSpriteItem *it = sprites[i];
-    if (!hasEntry) {
-        if (it->cacheId)
-            cache.remove(it->cacheId);
-        it->cacheId = 0;
-    } else if (it->cacheId && cache.contains(it->cacheId)) {
-        cache.replace(it->cacheId, bytes, false);
-    } else {
-        it->cacheId = cache.add(bytes, false);
-    }
+    if (it->cacheId && it->cacheId != id)
+        cache.remove(it->cacheId);
+    it->cacheId = id;
     it->filter = filter;
     it->setSpriteSize(size);
     propagateSize(i);

@@ -140,10 +140,10 @@ public:
     // --- used by the undo commands --------------------------------------------
     // Stored bytes of a sprite's own cache entry, lifted out without decoding.
     QByteArray storedBytes(int index) const;
-    // Makes the sprite own the given stored bytes (or no cache entry at all),
-    // with filter and size; links to it take the size. Info stays as it is.
-    void restoreStored(int index, bool hasEntry, const QByteArray &bytes, quint16 filter,
-                       const QSpriteSize &size);
+    // Gives the sprite the cache entry `id` of its own cache (0: none), with
+    // filter and size, dropping the entry it had; links to it take the size.
+    // Info stays as it is.
+    void adoptEntry(int index, quint32 id, quint16 filter, const QSpriteSize &size);
     // Swaps the cache handle of two sprites (hand-back after an undone removal).
     void swapCacheIds(int a, int b);
     // Palette indices of all sprites, and their restoration.
@@ -151,6 +151,8 @@ public:
     void setSpritePaletteIndices(const QList<int> &indices);
     // Ends a mutator: `modified` set, changed() emitted.
     void touch();
+    // Tells the views that the text of row `index` may have changed.
+    void rowChanged(int index);
 
     // --- members -------------------------------------------------------------
     QRemapModel remap;

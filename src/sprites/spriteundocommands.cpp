@@ -70,6 +70,7 @@ void SpriteChangeInfo::undo()
     if (!it)
         return;
     std::swap(it->info, info);
+    sprites->rowChanged(int(index));
     sprites->touch();
 }
 
@@ -92,15 +93,13 @@ void SpriteChangeImage::hold(int sprite)
 {
     const QSpriteItem *it = sprites->item(sprite);
     QSpriteCache *c = undoCache();
-    if (!it) {
-        hasEntry = false;
-        return;
+    if (it) {
+        filter = it->filter;
+        width = it->width;
+        height = it->height;
+        imageFormat = it->imageFormat;
     }
-    filter = it->filter;
-    width = it->width;
-    height = it->height;
-    imageFormat = it->imageFormat;
-    hasEntry = it->cacheId != 0;
+    hasEntry = it && it->cacheId && sprites->cache.contains(it->cacheId);
     if (!hasEntry) {
         if (undoId)
             c->remove(undoId);
@@ -108,18 +107,15 @@ void SpriteChangeImage::hold(int sprite)
         return;
     }
     // Stored bytes go across as they are; compressed entries stay compressed.
-    const QByteArray bytes = sprites->storedBytes(sprite);
-    if (undoId && c->replace(undoId, bytes, false))
+    if (undoId && c->replaceEntry(undoId, sprites->cache, it->cacheId))
         return;
-    undoId = c->add(bytes, false);
+    undoId = c->copyEntry(sprites->cache, it->cacheId);
 }
 
 void SpriteChangeImage::giveTo(int sprite) const
 {
-    QByteArray bytes;
-    if (hasEntry)
-        undoCache()->get(undoId, bytes, QBFCacheFilter::byPass());
-    sprites->restoreStored(sprite, hasEntry, bytes, filter, QSpriteSize(width, height, imageFormat));
+    const quint32 id = hasEntry ? sprites->cache.copyEntry(*undoCache(), undoId) : 0;
+    sprites->adoptEntry(sprite, id, filter, QSpriteSize(width, height, imageFormat));
 }
 
 void SpriteChangeImage::swapImage()
@@ -128,14 +124,11 @@ void SpriteChangeImage::swapImage()
     if (!sprites->item(i))
         return;
     // Take the held image out before holding the current one in its place.
-    QByteArray bytes;
-    if (hasEntry)
-        undoCache()->get(undoId, bytes, QBFCacheFilter::byPass());
-    const bool hadEntry = hasEntry;
+    const quint32 id = hasEntry ? sprites->cache.copyEntry(*undoCache(), undoId) : 0;
     const quint16 f = filter;
     const QSpriteSize size(width, height, imageFormat);
     hold(i);
-    sprites->restoreStored(i, hadEntry, bytes, f, size);
+    sprites->adoptEntry(i, id, f, size);
 }
 
 void SpriteChangeImage::undo()
@@ -194,6 +187,7 @@ void SpriteRemove::undo()
         if (QSpriteItem *it = sprites->item(int(l.position))) {
             it->info = l.info;
             it->filter = l.filter;
+            it->setSpriteSize(l.size);
         }
     sprites->touch();
 }

@@ -117,6 +117,7 @@ public:
         quint32 position = 0;
         QSpriteInfo info;
         quint16 filter = 0;
+        QSpriteSize size;
     };
 
     // Call before the row goes: `heir` is the position of the link that takes

@@ -334,6 +334,18 @@ private slots:
         QCOMPARE(list.find(0, 1, 6), 2);
         QCOMPARE(list.find(3, 1, 6), -1);
         QCOMPARE(list.info(99), (QPaletteInfo{false, 0, 0, 0, 0}));
+        // The block as words: group in the upper half of the first word (little-endian).
+        quint32 w1 = 0, w2 = 0;
+        quint16 h = 0;
+        const QPaletteInfo block{true, -2, 7, 3, 32};
+        block.toWords(&w1, &w2, &h);
+        if (QSysInfo::ByteOrder == QSysInfo::LittleEndian) {
+            QCOMPARE(w1, 0xFFFE0001u);
+            QCOMPARE(w2, 0x00030007u);
+        }
+        QCOMPARE(h, quint16(32));
+        QCOMPARE(QPaletteInfo::fromWords(w1, w2, h), block);
+        QCOMPARE(QPaletteInfo::fromWords(0xFF, 0, 0).hasColors, true);
 
         // Insert shifts sprite palettes at and above the position.
         QList<int> sprites{0, 1, 2, 7};
