@@ -41,6 +41,7 @@ QInterface::QInterface(QMainWindow *window, QDockWidget *actionDock, QListView *
     buildLayout();
     buildActions();
     buildToolBars();
+    buildControllerUi();
     connect(m_editorGroup, &QActionGroup::triggered, this,
             qOverload<QAction *>(&QInterface::editorSwitch));
     QLifecycleLog::record(QStringLiteral("+QInterface"));
@@ -58,8 +59,10 @@ QInterface::~QInterface()
     m_workspaces.clear();
     m_editors.clear();
     m_extraEditors.clear();
+    releaseProjects();
     QLifecycleLog::record(QStringLiteral("-QInterface:editors"));
     saveState();
+    saveControllerState();
     QLifecycleLog::record(QStringLiteral("-QInterface:state"));
     Bf::mainInterface = nullptr;
 }
@@ -176,6 +179,7 @@ void QInterface::buildToolBars()
 void QInterface::init()
 {
     restoreState();
+    restoreControllerState();
     QLifecycleLog::record(QStringLiteral("QInterface::init:state"));
 
     if (!m_editorActions.isEmpty()) {
@@ -307,16 +311,6 @@ void QInterface::retranslate()
     m_extraToolBar->setWindowTitle(tr("Extra"));
     updateEditorName();
     updateExtraEditorName();
-}
-
-void QInterface::newProject(bool withTemplate)
-{
-    Q_UNUSED(withTemplate)
-    // The project object itself joins here once the project model exists;
-    // until then the tab stands for the empty first project.
-    ++m_projectCounter;
-    const int tab = m_tabBar->addTab(tr("Project %1").arg(m_projectCounter));
-    m_tabBar->setCurrentIndex(tab);
 }
 
 void QInterface::rebuildToolMenu()
