@@ -5,6 +5,8 @@
 #include "core/qlanguagemanager.h"
 #include "core/qlifecyclelog.h"
 #include "core/qmugenmodel.h"
+#include "core/qproject.h"
+#include "core/qprojectsettings.h"
 #include "qinterfacecontrol.h"
 #include "qinterfacecontrolaction.h"
 #include "qinterfaceeditor.h"
@@ -43,17 +45,23 @@ QInterface::QInterface(QMainWindow *window, QDockWidget *actionDock, QListView *
     buildToolBars();
     connect(m_editorGroup, &QActionGroup::triggered, this,
             qOverload<QAction *>(&QInterface::editorSwitch));
+    connect(m_tabBar, &QTabBar::currentChanged, this, &QInterface::projTabsChanged);
+    connect(m_tabBar, &QTabBar::tabMoved, this, &QInterface::projTabsMoved);
     QLifecycleLog::record(QStringLiteral("+QInterface"));
 }
 
 QInterface::~QInterface()
 {
     // Editors go before the state is written: some of them keep settings of
-    // their own in the configuration as they die.
+    // their own in the configuration as they die. First they let go of the
+    // current project.
+    setCurrentProject(nullptr);
     if (QInterfaceEditor *e = editor(m_currentEditor)) {
         disconnectEditor(e);
         e->deactivate();
     }
+    qDeleteAll(m_projects);
+    m_projects.clear();
     m_controls.clear();
     m_workspaces.clear();
     m_editors.clear();
@@ -311,12 +319,68 @@ void QInterface::retranslate()
 
 void QInterface::newProject(bool withTemplate)
 {
+    // Templates come with the new-project dialog; the first project of the
+    // process is always a plain empty one.
     Q_UNUSED(withTemplate)
-    // The project object itself joins here once the project model exists;
-    // until then the tab stands for the empty first project.
+    QMugenModel &cfg = *Bf::config;
+    QProjectSettings settings = QProjectSettings::fromMap(cfg.map);
+    settings.cacheType = cfg[QStringLiteral("cache_type")].toInt();
+    // Values typed in code and strings from the file both convert here.
+    settings.cacheCompression = cfg[QStringLiteral("cache_compression")].toBool() ? 1 : 0;
+    settings.storePath = [](const QString &key, const QString &value) {
+        if (Bf::config)
+            (*Bf::config)[key] = value;
+    };
+    auto *project = new QProject(settings);
+    connect(project, &QProject::nameChanged, this, &QInterface::changeTabName);
+    connect(project, &QProject::typeChanged, this, &QInterface::projTypeChanged);
+
     ++m_projectCounter;
+    m_projects.append(project);
     const int tab = m_tabBar->addTab(tr("Project %1").arg(m_projectCounter));
     m_tabBar->setCurrentIndex(tab);
+    // The first tab of an empty bar doesn't announce itself as a change.
+    if (m_currentProject != project)
+        projTabsChanged(tab);
+}
+
+void QInterface::projTabsChanged(int index)
+{
+    QProject *project = m_projects.value(index);
+    if (!project || project == m_currentProject)
+        return;
+    setCurrentProject(project);
+    projTypeChanged(project);
+}
+
+void QInterface::projTabsMoved(int from, int to)
+{
+    if (from < 0 || to < 0 || from >= m_projects.size() || to >= m_projects.size())
+        return;
+    m_projects.move(from, to);
+}
+
+void QInterface::projTypeChanged(QProject *project)
+{
+    if (project && project == m_currentProject)
+        applyProjectType(int(project->type()));
+}
+
+void QInterface::changeTabName(QProject *project, const QString &name)
+{
+    const int index = int(m_projects.indexOf(project));
+    if (index >= 0 && !name.isEmpty())
+        m_tabBar->setTabText(index, name);
+}
+
+bool QInterface::canCloseProject(QProject *project)
+{
+    // Every editor is asked, even after a refusal: each may have its own
+    // question for the user.
+    bool ok = true;
+    for (auto &[id, e] : m_editors)
+        ok = e->canClose(project) && ok;
+    return ok;
 }
 
 void QInterface::rebuildToolMenu()

@@ -77,6 +77,10 @@ public:
     int currentWorkspaceId() const { return m_currentWorkspace; }
     int currentExtraEditorId() const { return m_currentExtra; }
     QProject *currentProject() const { return m_currentProject; }
+    QList<QProject *> projects() const { return m_projects; }
+    // Asks every editor, each in turn and all of them, whether the project
+    // may close; true only if none refuses.
+    bool canCloseProject(QProject *project);
     QTabBar *tabBar() const { return m_tabBar; }
 
     // Shows each editor's button as the project type allows, and moves the
@@ -90,6 +94,10 @@ public slots:
     // Hands a new current project to every extra editor, editor and workspace.
     void setCurrentProject(QProject *project);
     void newProject(bool withTemplate = false);
+    void projTabsChanged(int index);
+    void projTabsMoved(int from, int to);
+    void projTypeChanged(QProject *project);
+    void changeTabName(QProject *project, const QString &name);
     void applyConfig();
     void retranslate();
     void updateEditorName();
@@ -146,6 +154,7 @@ private:
 
     QTabBar *m_tabBar = nullptr;
     QProject *m_currentProject = nullptr;
+    QList<QProject *> m_projects;
     int m_projectCounter = 0;
 
     int m_currentEditor = NoEditor;
