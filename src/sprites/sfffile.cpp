@@ -688,8 +688,22 @@ SffReader::Result SffReader::readV2(quint32 version)
                 // Raw pixels come without the size word, packed line after
                 // line: spread them into the padded layout of the cache.
                 const QByteArray packed = in.bytes(node.length);
-                item->filter = QBFCacheFilter::None;
-                item->cacheId = s.cache.add(rawToPadded(packed, item->spriteSize()), true);
+                const QSpriteSize size = item->spriteSize();
+                if (size.imageFormat == QImage::Format_Indexed8) {
+                    // Kept as RLE8: compact whatever size the node claims,
+                    // and missing pixels decode as zeros.
+                    item->filter = QBFCacheFilter::RLE8;
+                    const QByteArray pixels = packed.left(qsizetype(size.width) * size.height);
+                    item->cacheId = s.cache.add(QRLE8CacheFilter::encode(pixels), false);
+                } else if (size.byteCount() > QPCXCacheFilter::MaxImageBytes) {
+                    warn(int(i), tr("sprite %1,%2 is too large (%3 x %4) and is left empty")
+                                     .arg(node.group).arg(node.number).arg(size.width).arg(size.height));
+                    item->filter = QBFCacheFilter::None;
+                    item->cacheId = s.cache.add(QByteArray(), true);
+                } else {
+                    item->filter = QBFCacheFilter::None;
+                    item->cacheId = s.cache.add(rawToPadded(packed, size), true);
+                }
             } else {
                 in.u32(); // uncompressed size, not needed
                 const QByteArray bytes = in.bytes(qint64(node.length) - 4);
@@ -837,19 +851,30 @@ public:
     bool writeV1(QIODevice &out);
     bool writeV2(QIODevice &out);
 
+    // True once a cancel or an error (already reported) stopped the writing.
+    bool stopped = false;
+
 private:
     void foldDuplicates();
     void flattenLinks();
     void convertTo8Bits();
     void markSharedPalettes();
+    // Preparation only tells how far it got; it can't be cancelled.
+    void announce(uint pos)
+    {
+        bool allow = true;
+        emit s.progress(pos, total, allow);
+    }
     bool progress(uint pos)
     {
         bool allow = true;
         emit s.progress(pos, total, allow);
+        stopped |= !allow;
         return allow;
     }
     bool fail(int index, const char *reason)
     {
+        stopped = true;
         emit s.fileError(tr("Sprite saving error"),
                          tr("An error occurred when saving the sprite %1.\n%2").arg(index).arg(tr(reason)));
         return false;
@@ -869,7 +894,7 @@ private:
 void SffWriter::prepare()
 {
     if (!temporary && s.count() >= 2) {
-        progress(0);
+        announce(0);
         foldDuplicates();
     }
     flattenLinks();
@@ -911,7 +936,7 @@ void SffWriter::foldDuplicates()
                 candidates.append(i);
         }
         if (i > 0)
-            progress(uint(i) + 1);
+            announce(uint(i) + 1);
     }
 }
 
@@ -1200,7 +1225,11 @@ bool QSprites::toFile(const QString &path, bool isCharacter, quint32 newVersion,
     emit progress(uint(count()), uint(paletteCount()) + 2 * uint(count()), allow);
     const bool written = version == Version101 ? writer.writeV1(file) : writer.writeV2(file);
     if (!written) {
+        const QString reason = file.errorString();
         file.cancelWriting();
+        if (!writer.stopped)
+            emit fileError(tr("Sprite saving error"),
+                           tr("Can't write the file \"%1\":\n%2").arg(QDir::toNativeSeparators(path), reason));
         return false;
     }
     if (!file.commit()) {
