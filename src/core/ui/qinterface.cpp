@@ -5,6 +5,8 @@
 #include "core/qlanguagemanager.h"
 #include "core/qlifecyclelog.h"
 #include "core/qmugenmodel.h"
+#include "core/qproject.h"
+#include "core/qprojectsettings.h"
 #include "qinterfacecontrol.h"
 #include "qinterfacecontrolaction.h"
 #include "qinterfaceeditor.h"
@@ -50,11 +52,15 @@ QInterface::QInterface(QMainWindow *window, QDockWidget *actionDock, QListView *
 QInterface::~QInterface()
 {
     // Editors go before the state is written: some of them keep settings of
-    // their own in the configuration as they die.
+    // their own in the configuration as they die. First they let go of the
+    // current project.
+    setCurrentProject(nullptr);
     if (QInterfaceEditor *e = editor(m_currentEditor)) {
         disconnectEditor(e);
         e->deactivate();
     }
+    qDeleteAll(m_projects);
+    m_projects.clear();
     m_controls.clear();
     m_workspaces.clear();
     m_editors.clear();
@@ -311,6 +317,16 @@ void QInterface::retranslate()
     m_extraToolBar->setWindowTitle(tr("Extra"));
     updateEditorName();
     updateExtraEditorName();
+}
+
+bool QInterface::canCloseProject(QProject *project)
+{
+    // Every editor is asked, even after a refusal: each may have its own
+    // question for the user.
+    bool ok = true;
+    for (auto &[id, e] : m_editors)
+        ok = e->canClose(project) && ok;
+    return ok;
 }
 
 void QInterface::rebuildToolMenu()

@@ -85,6 +85,10 @@ public:
     int currentWorkspaceId() const { return m_currentWorkspace; }
     int currentExtraEditorId() const { return m_currentExtra; }
     QProject *currentProject() const { return m_currentProject; }
+    QList<QProject *> projects() const { return m_projects; }
+    // Asks every editor, each in turn and all of them, whether the project
+    // may close; true only if none refuses.
+    bool canCloseProject(QProject *project);
     QTabBar *tabBar() const { return m_tabBar; }
 
     // Shows each editor's button as the project type allows, and moves the
@@ -154,6 +158,7 @@ private:
 
     QTabBar *m_tabBar = nullptr;
     QProject *m_currentProject = nullptr;
+    QList<QProject *> m_projects;
     int m_projectCounter = 0;
 
     int m_currentEditor = NoEditor;
@@ -174,7 +179,6 @@ public:
     static constexpr int StatusFieldCount = 4;
     static constexpr int HistorySize = 20;
 
-    QList<QProject *> projects() const { return m_projects; }
     int projectCount() const { return int(m_projects.size()); }
     QLabel *statusField(int i) const { return m_statusFields.value(i); }
     // Shows text in a status field; an empty text hides the field, so that
@@ -254,7 +258,6 @@ private:
     void askPaletteSaves(QProject *project, const QString &title, bool oneByOne);
     void registerDialog(const QString &tag, QWidget *dialog);
 
-    QList<QProject *> m_projects;
     QList<QLabel *> m_statusFields;
     QLabel *m_projectStatus = nullptr;
     QMenu *m_recentMenu = nullptr;

@@ -132,11 +132,7 @@ bool QInterface::closeProject(int index)
     if (index < 0 || index >= m_projects.size())
         return false;
     QProject *project = m_projects.at(index);
-    // Every editor gets its say, even after one has refused.
-    bool allow = true;
-    for (auto &[id, e] : m_editors)
-        allow = e->canClose(project) && allow;
-    if (!allow)
+    if (!canCloseProject(project))
         return false;
     if (m_projects.size() == 1)
         newProject(false);
