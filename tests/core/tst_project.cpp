@@ -481,6 +481,10 @@ private slots:
             {{QStringLiteral("cache_type"), QStringLiteral("1")}, {QStringLiteral("proj_path"), QStringLiteral("/p")}});
         QCOMPARE(fromMap.cacheType, 1);
         QCOMPARE(fromMap.paths.value(QStringLiteral("proj_path")), QStringLiteral("/p"));
+        // Compression is a boolean key: "true" read from the file and true set in code.
+        QCOMPARE(QProjectSettings::fromMap({{QStringLiteral("cache_compression"), QStringLiteral("true")}}).cacheCompression, 1);
+        QCOMPARE(QProjectSettings::fromMap({{QStringLiteral("cache_compression"), true}}).cacheCompression, 1);
+        QCOMPARE(QProjectSettings::fromMap({{QStringLiteral("cache_compression"), QStringLiteral("false")}}).cacheCompression, 0);
     }
 };
 
