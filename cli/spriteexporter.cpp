@@ -3,6 +3,7 @@
 #include "atomicwrite.h"
 #include "palettepng.h"
 #include "progressmeter.h"
+#include "spritefile.h"
 #include "sprites/qsprites.h"
 
 #include <QDir>
@@ -23,6 +24,13 @@ QImage SpriteExporter::exportImage(int index)
     const QSpriteItem *sprite = m_store.item(index);
     if (!sprite)
         return QImage();
+    const qint64 bytes = qint64(sprite->width) * sprite->height
+                         * (sprite->imageFormat == QImage::Format_Indexed8 ? 1 : 4);
+    if (bytes > SpriteFile::kMaxSpriteBytes) {
+        warn(QStringLiteral("sprite %1 (%2,%3) claims %4x%5 pixels, which no sprite has; not exported")
+                 .arg(index).arg(sprite->info.group).arg(sprite->info.number).arg(sprite->width).arg(sprite->height));
+        return QImage();
+    }
     QImage image = m_store.image(index);
     if (image.isNull()) {
         if (sprite->width && sprite->height)

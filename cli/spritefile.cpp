@@ -10,6 +10,13 @@ SpriteFile::SpriteFile()
     : m_store(QSpriteCache::Memory, true)
 {
     m_store.messages = &m_messages;
+    // What the program shows in a box is, for the tool, one more error line
+    // (the reader puts its own in the issue list too: don't say it twice).
+    QObject::connect(&m_store, &QSprites::fileError, &m_store, [this](const QString &, const QString &text) {
+        const QList<QMessages::Message> said = m_messages.messages();
+        if (said.isEmpty() || said.last().text != text)
+            m_messages.addError(text);
+    });
 }
 
 QString SpriteFile::versionName(quint32 version)
@@ -24,6 +31,19 @@ QString SpriteFile::versionDotted(quint32 version)
         .arg((version >> 16) & 0xFF)
         .arg((version >> 8) & 0xFF)
         .arg(version & 0xFF);
+}
+
+QString SpriteFile::oversizedSprites() const
+{
+    QStringList found;
+    for (int i = 0; i < m_store.count(); ++i) {
+        const QSpriteItem &s = *m_store.item(i);
+        const qint64 bytes = qint64(s.width) * s.height * (s.imageFormat == QImage::Format_Indexed8 ? 1 : 4);
+        if (bytes > kMaxSpriteBytes)
+            found << QStringLiteral("%1 (%2,%3: %4x%5)").arg(i).arg(s.info.group).arg(s.info.number)
+                         .arg(s.width).arg(s.height);
+    }
+    return found.join(QStringLiteral(", "));
 }
 
 bool SpriteFile::load(const QString &path, bool isCharacter, QString *error)

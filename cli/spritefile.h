@@ -26,6 +26,14 @@ public:
     // Number of errors and warnings reported.
     int issueCount() const { return m_messages.issueCount(); }
 
+    // A sprite's size comes from its record; a damaged record can claim up to
+    // 65535 x 65535 pixels over a few bytes of data. No real sprite comes near
+    // this bound, and decoding such a claim would take gigabytes for nothing.
+    static constexpr qint64 kMaxSpriteBytes = qint64(256) << 20;
+    // The sprites whose size passes that bound, as "index (group,number: WxH)",
+    // comma-separated; empty if none.
+    QString oversizedSprites() const;
+
     // "1.01", "2.00", "2.01": the version as authors name it.
     static QString versionName(quint32 version);
     // "1.0.1.0": the four bytes of the version word.

@@ -131,6 +131,13 @@ ExitCode convert(const QStringList &words)
         return ExitCode::Failure;
     }
 
+    const QString oversized = file.oversizedSprites();
+    if (!oversized.isEmpty()) {
+        Console::fail(QStringLiteral("'%1': damaged sprite sizes, not converted: %2")
+                          .arg(QDir::toNativeSeparators(input), oversized.left(300)));
+        return ExitCode::Failure;
+    }
+
     QSprites &store = file.store();
     const int reportedBefore = int(file.messages().messages().size());
     QStringList misplaced;

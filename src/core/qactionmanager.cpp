@@ -128,6 +128,12 @@ bool QActionManager::setShortcut(QAction2 *action, const QKeySequence &keys)
     return true;
 }
 
+void QActionManager::setScope(int editorId)
+{
+    m_scope = editorId;
+    m_list.setEditor(editorId);
+}
+
 void QActionManager::shortcutTriggered()
 {
     auto *carrier = qobject_cast<QAction *>(sender());

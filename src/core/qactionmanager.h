@@ -50,7 +50,8 @@ public:
     // in a scope this one works in.
     bool setShortcut(QAction2 *action, const QKeySequence &keys);
 
-    void setScope(int editorId) { m_scope = editorId; }
+    // The current editor: shortcuts resolve for it and the side list shows its actions.
+    void setScope(int editorId);
     int scope() const { return m_scope; }
 
     // Rewrites the texts of every action, e.g. after a change of language.

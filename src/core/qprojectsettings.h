@@ -32,7 +32,8 @@ struct QProjectSettings
     {
         QProjectSettings s;
         s.cacheType = map.value(QStringLiteral("cache_type")).toString().toInt();
-        s.cacheCompression = map.value(QStringLiteral("cache_compression")).toString().toInt();
+        // "true" from the file and true set in code both mean on.
+        s.cacheCompression = map.value(QStringLiteral("cache_compression")).toBool() ? 1 : 0;
         for (const QString &key : pathKeys())
             if (map.contains(key))
                 s.paths.insert(key, map.value(key).toString());

@@ -177,7 +177,10 @@ private slots:
     void exportMatchesStore();
     void exportFailures();
     void convertVersions();
+    void damagedSpriteFiles_data();
     void damagedSpriteFiles();
+    void definitionsInfo();
+    void projectInfo();
 };
 
 void TestCli::initTestCase()
@@ -543,19 +546,26 @@ void TestCli::convertVersions()
     QCOMPARE(readAll(plain), QByteArray("keep"));
 }
 
+void TestCli::damagedSpriteFiles_data()
+{
+    QTest::addColumn<QString>("source");
+    QTest::addColumn<int>("flipRuns");      // files with random bit flips
+    QTest::addColumn<bool>("structural");   // huge counts, far offsets, bad links
+    // Small files of each version keep the number of runs affordable.
+    QTest::newRow("1.01") << QStringLiteral("data/kfm/gameover.sff") << 8 << true;
+    QTest::newRow("2.00") << QStringLiteral("stages/stage0.sff") << 8 << true;
+    QTest::newRow("2.00 raw") << QStringLiteral("font/f-4x6.sff") << 4 << false;
+    QTest::newRow("2.01") << QStringLiteral("chars/kfm/kfm.sff") << 0 << true;
+}
+
 void TestCli::damagedSpriteFiles()
 {
     BF_REQUIRE_SAMPLE();
+    QFETCH(QString, source);
+    QFETCH(int, flipRuns);
+    QFETCH(bool, structural);
     QTemporaryDir dir;
     QVERIFY(dir.isValid());
-    // Small files of each version keep the number of runs affordable.
-    const QStringList sources = {
-        TestSupport::samplePath(QStringLiteral("data/kfm/gameover.sff")), // 1.01
-        TestSupport::samplePath(QStringLiteral("stages/stage0.sff")),     // 2.00
-        TestSupport::samplePath(QStringLiteral("font/f-4x6.sff")),        // 2.00, raw sprites
-        TestSupport::samplePath(QStringLiteral("data/kfm/logo.sff")),     // 1.01
-    };
-    const QString v201 = TestSupport::samplePath(QStringLiteral("chars/kfm/kfm.sff"));
 
     struct Damaged
     {
@@ -566,77 +576,74 @@ void TestCli::damagedSpriteFiles()
     QList<Damaged> cases;
     QRandomGenerator random(20240611); // fixed: a failure must be reproducible
 
-    for (const QString &source : sources + QStringList{v201}) {
-        const QByteArray good = readAll(source);
-        QVERIFY2(good.size() > 600, qPrintable(source));
-        const QString base = QFileInfo(source).completeBaseName();
-        const bool v1 = word32(good, 12) == QSprites::Version101;
+    const QByteArray good = readAll(TestSupport::samplePath(source));
+    QVERIFY2(good.size() > 600, qPrintable(source));
+    const bool v1 = word32(good, 12) == QSprites::Version101;
 
-        for (qsizetype cut : {qsizetype(13), qsizetype(16), qsizetype(40), qsizetype(511), qsizetype(512),
-                              qsizetype(530), good.size() / 2, good.size() - 1})
-            cases.append({QStringLiteral("%1 cut at %2").arg(base).arg(cut), good.left(cut)});
-        if (source == v201)
-            continue; // the large file only gets the cheap cases
+    for (qsizetype cut : {qsizetype(13), qsizetype(40), qsizetype(511), qsizetype(530), good.size() / 2,
+                          good.size() - 1})
+        cases.append({QStringLiteral("cut at %1").arg(cut), good.left(cut)});
 
-        for (int n = 0; n < 12; ++n) {
-            QByteArray bytes = good;
-            const int flips = 1 + int(random.bounded(8));
-            // Most flips land in the header and tables, where they matter most.
-            const qsizetype span = n % 3 == 0 ? bytes.size() : qMin<qsizetype>(bytes.size(), 1200);
-            for (int k = 0; k < flips; ++k) {
-                const qsizetype at = 16 + qsizetype(random.bounded(quint32(span - 16)));
-                bytes[at] = char(bytes.at(at) ^ (1 << random.bounded(8)));
-            }
-            cases.append({QStringLiteral("%1 flipped #%2").arg(base).arg(n), bytes});
+    for (int n = 0; n < flipRuns; ++n) {
+        QByteArray bytes = good;
+        const int flips = 1 + int(random.bounded(8));
+        // Most flips land in the header and tables, where they matter most.
+        const qsizetype span = n % 3 == 0 ? bytes.size() : qMin<qsizetype>(bytes.size(), 1200);
+        for (int k = 0; k < flips; ++k) {
+            const qsizetype at = 16 + qsizetype(random.bounded(quint32(span - 16)));
+            bytes[at] = char(bytes.at(at) ^ (1 << random.bounded(8)));
         }
+        cases.append({QStringLiteral("flipped #%1").arg(n), bytes});
+    }
 
-        if (v1) {
+    if (structural && v1) {
+        QByteArray huge = good;
+        putWord32(huge, 20, 0x7FFFFFFF);
+        cases.append({QStringLiteral("huge image count"), huge});
+        QByteArray hugeLength = good;
+        putWord32(hugeLength, 512 + 4, 0xFFFFFFF0);
+        putWord32(hugeLength, 512, 0);
+        cases.append({QStringLiteral("huge data length"), hugeLength});
+        // The first sprite linked to one that comes later.
+        QByteArray forward = good;
+        putWord32(forward, 512 + 4, 0);
+        putWord16(forward, 512 + 16, 5);
+        cases.append({QStringLiteral("forward link"), forward, true});
+    } else if (structural) {
+        const quint32 spriteTable = word32(good, 36);
+        QVERIFY(word32(good, 40) >= 2);
+        for (quint32 field : {40u, 48u}) {
             QByteArray huge = good;
-            putWord32(huge, 20, 0x7FFFFFFF);
-            cases.append({base + QStringLiteral(" huge image count"), huge});
-            QByteArray hugeLength = good;
-            putWord32(hugeLength, 512 + 4, 0xFFFFFFF0);
-            putWord32(hugeLength, 512, 0);
-            cases.append({base + QStringLiteral(" huge data length"), hugeLength});
-            // The first sprite linked to one that comes later.
-            QByteArray forward = good;
-            putWord32(forward, 512 + 4, 0);
-            putWord16(forward, 512 + 16, 5);
-            cases.append({base + QStringLiteral(" forward link"), forward, true});
-        } else {
-            const quint32 spriteTable = word32(good, 36);
-            const quint32 spriteCount = word32(good, 40);
-            QVERIFY(spriteCount >= 2);
-            for (quint32 field : {40u, 48u}) {
-                QByteArray huge = good;
-                putWord32(huge, field, 0xFFFFFFFF);
-                cases.append({QStringLiteral("%1 huge count at %2").arg(base).arg(field), huge});
-            }
-            for (quint32 field : {36u, 44u, 52u, 60u}) {
-                QByteArray far = good;
-                putWord32(far, field, 0xFFFFFF00);
-                cases.append({QStringLiteral("%1 far offset at %2").arg(base).arg(field), far});
-            }
-            QByteArray bigNode = good;
-            putWord32(bigNode, spriteTable + 20, 0x7FFFFFFF);
-            putWord16(bigNode, spriteTable + 4, 0xFFFF);
-            putWord16(bigNode, spriteTable + 6, 0xFFFF);
-            cases.append({base + QStringLiteral(" huge sprite"), bigNode});
-            // Sprite 0 made a link to a later sprite, to itself, and out of the list.
-            for (quint16 target : {quint16(1), quint16(0), quint16(0xFFFF)}) {
-                QByteArray forward = good;
-                putWord32(forward, spriteTable + 20, 0);
-                putWord16(forward, spriteTable + 12, target);
-                cases.append({QStringLiteral("%1 link to %2").arg(base).arg(target), forward, true});
-            }
-            // Two sprites linked to each other.
-            QByteArray cycle = good;
-            putWord32(cycle, spriteTable + 20, 0);
-            putWord16(cycle, spriteTable + 12, 1);
-            putWord32(cycle, spriteTable + 28 + 20, 0);
-            putWord16(cycle, spriteTable + 28 + 12, 0);
-            cases.append({base + QStringLiteral(" link cycle"), cycle, true});
+            putWord32(huge, field, 0xFFFFFFFF);
+            cases.append({QStringLiteral("huge count at %1").arg(field), huge});
         }
+        for (quint32 field : {36u, 44u, 52u, 60u}) {
+            QByteArray far = good;
+            putWord32(far, field, 0xFFFFFF00);
+            cases.append({QStringLiteral("far offset at %1").arg(field), far});
+        }
+        QByteArray bigNode = good;
+        putWord32(bigNode, spriteTable + 20, 0x7FFFFFFF);
+        putWord16(bigNode, spriteTable + 4, 0xFFFF);
+        putWord16(bigNode, spriteTable + 6, 0xFFFF);
+        cases.append({QStringLiteral("huge sprite"), bigNode});
+        // A link to a later sprite and one to the sprite itself (an empty sprite)
+        // may be read; links out of the list must be refused.
+        const struct { int sprite; quint16 target; bool refused; } links[] = {
+            {0, 1, false}, {1, 1, false}, {0, 0xFFFF, true}, {1, 0x7FFF, true}};
+        for (const auto &l : links) {
+            QByteArray linked = good;
+            putWord32(linked, spriteTable + 28 * l.sprite + 20, 0);
+            putWord16(linked, spriteTable + 28 * l.sprite + 12, l.target);
+            cases.append({QStringLiteral("sprite %1 linked to %2").arg(l.sprite).arg(l.target), linked, l.refused});
+        }
+        // Two sprites linked to each other.
+        QByteArray cycle = good;
+        putWord32(cycle, spriteTable + 20, 0);
+        putWord16(cycle, spriteTable + 12, 1);
+        putWord32(cycle, spriteTable + 28 + 20, 0);
+        putWord16(cycle, spriteTable + 28 + 12, 0);
+        cases.append({QStringLiteral("link cycle"), cycle, true});
     }
 
     int refused = 0;
@@ -656,6 +663,7 @@ void TestCli::damagedSpriteFiles()
             QVERIFY2(info.err.contains("brawlforge-cli: "), qPrintable(c.name + "\n" + describe(info)));
         } else {
             QVERIFY2(QJsonDocument::fromJson(info.out).isObject(), qPrintable(c.name));
+
         }
 
         const Run exported = runTool({QStringLiteral("sprites"), QStringLiteral("export"), path, out});
@@ -665,6 +673,9 @@ void TestCli::damagedSpriteFiles()
         QVERIFY2((exported.code == 2) == (info.code == 2), qPrintable(c.name + "\n" + describe(exported)));
         if (exported.code != 2)
             QVERIFY2(QFileInfo::exists(out + QStringLiteral("/sprites.txt")), qPrintable(c.name));
+        if (c.name == QLatin1String("huge sprite"))
+            QVERIFY2(exported.code == 1 && exported.err.contains("claims 65535x65535 pixels"),
+                     qPrintable(c.name + "\n" + describe(exported)));
 
         const Run converted = runTool({QStringLiteral("sprites"), QStringLiteral("convert"), path,
                                        out + QStringLiteral(".sff"), QStringLiteral("--to"),
@@ -673,6 +684,116 @@ void TestCli::damagedSpriteFiles()
                  qPrintable(c.name + "\n" + describe(converted)));
     }
     qInfo("%lld damaged files, %d refused as a whole", qlonglong(cases.size()), refused);
+}
+
+void TestCli::definitionsInfo()
+{
+    BF_REQUIRE_SAMPLE();
+    struct Expected { const char *def; const char *type; const char *version; int width; int height; };
+    const Expected cases[] = {
+        {"chars/kfm/kfm.def", "Character", "1.0", 320, 240},
+        {"chars/kfm720/kfm720.def", "Character", "1.0", 1280, 720},
+        {"chars/kfm/intro.def", "Storyboard", nullptr, 0, 0},
+        {"stages/stage0.def", "Stage", "1.0", 320, 240},
+        {"font/f-4x6.def", "Font", nullptr, 0, 0},
+    };
+    for (const Expected &e : cases) {
+        const QString path = TestSupport::samplePath(QString::fromLatin1(e.def));
+        const Run r = runTool({QStringLiteral("info"), path, QStringLiteral("--json")});
+        EXPECT_EXIT(r, 0);
+        const QJsonObject o = QJsonDocument::fromJson(r.out).object();
+        QCOMPARE(o.value("kind").toString(), QStringLiteral("definitions"));
+        QCOMPARE(o.value("type").toString(), QString::fromLatin1(e.type));
+        if (e.version) {
+            QCOMPARE(o.value("version").toString(), QString::fromLatin1(e.version));
+            QCOMPARE(o.value("localCoord").toObject().value("width").toInt(), e.width);
+            QCOMPARE(o.value("localCoord").toObject().value("height").toInt(), e.height);
+        }
+        // Every DEF of the sample names its sprite file, and it is there.
+        bool spritesFound = false;
+        for (const QJsonValue &v : o.value("files").toArray()) {
+            const QJsonObject f = v.toObject();
+            QCOMPARE(f.value("exists").toBool(), QFileInfo(f.value("path").toString()).isFile());
+            if (f.value("slot").toString() == QLatin1String("sprites"))
+                spritesFound = f.value("exists").toBool();
+        }
+        QVERIFY2(spritesFound, e.def);
+    }
+
+    // The character's files: found ones and the common states the engine keeps elsewhere.
+    const Run t = runTool({QStringLiteral("info"), TestSupport::samplePath(QStringLiteral("chars/kfm/kfm.def"))});
+    EXPECT_EXIT(t, 0);
+    for (const char *line : {"Type:      Character\n", "Version:   1.0 (1.0.0.0)\n", "Local:     320x240\n",
+                             "  sprites     found   kfm.sff\n", "  commands    found   kfm.cmd\n",
+                             "  states      found   kfm.cns\n", "  states      missing common1.cns\n"})
+        QVERIFY2(t.out.contains(line), qPrintable(QString::fromUtf8(t.out) + "\nlacks: " + line));
+    QCOMPARE(t.out.count("kfm.cns\n"), 1); // named twice in the DEF, listed once
+}
+
+void TestCli::projectInfo()
+{
+    BF_REQUIRE_SAMPLE();
+    const QString def = TestSupport::samplePath(QStringLiteral("chars/kfm/kfm.def"));
+    QSprites sprites;
+    QVERIFY(sprites.fromFile(TestSupport::samplePath(QStringLiteral("chars/kfm/kfm.sff")), true, true));
+
+    Run r = runTool({QStringLiteral("project"), QStringLiteral("info"), def, QStringLiteral("--json")});
+    QVERIFY2(!r.crashed && (r.code == 0 || r.code == 1), qPrintable(describe(r)));
+    QJsonObject o = QJsonDocument::fromJson(r.out).object();
+    QCOMPARE(o.value("type").toString(), QStringLiteral("Character"));
+    QCOMPARE(o.value("version").toString(), QStringLiteral("1.0"));
+    QHash<QString, QJsonObject> slotsByName;
+    for (const QJsonValue &v : o.value("slots").toArray())
+        slotsByName.insert(v.toObject().value("slot").toString(), v.toObject());
+    QCOMPARE(slotsByName.value("sprites").value("count").toInt(), sprites.count());
+    QVERIFY(slotsByName.value("sprites").value("file").toString().endsWith(QLatin1String("kfm.sff")));
+    QVERIFY(slotsByName.value("commands").value("count").toInt() > 10);
+    QVERIFY(slotsByName.value("commands").value("file").toString().endsWith(QLatin1String("kfm.cmd")));
+    QVERIFY(slotsByName.contains("states") && slotsByName.value("states").value("count").toInt() > 10);
+    // Every issue of the load is listed; errors and warnings also go to stderr.
+    const QJsonArray issues = o.value("issues").toArray();
+    QVERIFY(!issues.isEmpty());
+    QVERIFY(issues.first().toObject().value("text").toString().startsWith(QLatin1String("Open project - ")));
+    int serious = 0;
+    for (const QJsonValue &v : issues) {
+        if (v.toObject().value("kind").toString() != QLatin1String("information")) {
+            ++serious;
+            QVERIFY2(r.err.contains(v.toObject().value("text").toString().toUtf8()), r.err.constData());
+        }
+    }
+    QCOMPARE(r.code, serious ? 1 : 0);
+
+    // A project whose sprite file is damaged still opens; the damage is reported.
+    QTemporaryDir dir;
+    QVERIFY(dir.isValid());
+    const QString folder = dir.path();
+    QVERIFY(QFile::copy(def, folder + QStringLiteral("/kfm.def")));
+    QByteArray sff = readAll(TestSupport::samplePath(QStringLiteral("chars/kfm/kfm.sff")));
+    putWord32(sff, 12, 0x03000000); // a version no reader knows
+    QVERIFY(writeAll(folder + QStringLiteral("/kfm.sff"), sff));
+    r = runTool({QStringLiteral("project"), QStringLiteral("info"), folder + QStringLiteral("/kfm.def")});
+    EXPECT_EXIT(r, 1);
+    QVERIFY2(r.err.contains("kfm.sff(0): "), r.err.constData());
+    QVERIFY(r.out.contains("Type:      Character\n"));
+    QVERIFY(r.out.contains("\nIssues\n"));
+
+    // Files that are no project at all never crash it.
+    QByteArray noise(4096, '\0');
+    QRandomGenerator random(7);
+    for (char &c : noise)
+        c = char(random.bounded(256));
+    const QString noisy = folder + QStringLiteral("/noise.def");
+    QVERIFY(writeAll(noisy, noise));
+    const QString brackets = folder + QStringLiteral("/brackets.def");
+    QVERIFY(writeAll(brackets, "[[[\n[files\nsprite = = =\n[info]\nmugenversion=9.9.9.9.9\nlocalcoord=,\n"
+                               "[bgdef]\nspr=stages\\\\\n[files]\npal1=../../../../etc/passwd\nst=\nst=\n"));
+    for (const QString &path : {noisy, brackets}) {
+        for (const QStringList &args : {QStringList{QStringLiteral("project"), QStringLiteral("info"), path},
+                                        QStringList{QStringLiteral("info"), path, QStringLiteral("--json")}}) {
+            r = runTool(args);
+            QVERIFY2(!r.crashed && r.code >= 0 && r.code <= 2, qPrintable(describe(r)));
+        }
+    }
 }
 
 QTEST_GUILESS_MAIN(TestCli)

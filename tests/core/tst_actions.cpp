@@ -291,7 +291,7 @@ void TestActions::shortcutFileRoundTripAndBadFiles()
 
 void TestActions::shippedShortcutsLoadWithoutConflict()
 {
-    const QString shipped = QStringLiteral(BF_SOURCE_DIR "/../data/shortcuts.xml");
+    const QString shipped = QStringLiteral(BF_SOURCE_DIR "/data/shortcuts.xml");
     if (!QFile::exists(shipped))
         QSKIP("data/shortcuts.xml not found beside the sources");
     QActionManager m;

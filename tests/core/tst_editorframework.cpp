@@ -5,6 +5,7 @@
 #include "core/qcolorsetmanager.h"
 #include "core/qiconsetmanager.h"
 #include "core/qlifecyclelog.h"
+#include "core/qproject.h"
 #include "core/qxmlhelper.h"
 #include "core/ui/mainwindow.h"
 #include "core/ui/qinterface.h"
@@ -266,6 +267,18 @@ private slots:
         QVERIFY(ui()->editorAction(3)->isVisible());
         QVERIFY(!ui()->editorAction(7)->isVisible());
         ui()->editorSwitch(0);
+
+        // Only the current project's type counts.
+        ui()->applyProjectType(8);
+        QProject other;
+        ui()->projTypeChanged(&other);
+        QVERIFY(!ui()->editorAction(3)->isVisible());
+        QProject *current = ui()->projects().first();
+        ui()->setCurrentProject(current);
+        ui()->projTypeChanged(current); // a new project is a character
+        QVERIFY(ui()->editorAction(3)->isVisible());
+        QCOMPARE(ui()->editor(3)->project(), current);
+        QVERIFY(ui()->canCloseProject(current));
     }
 
     void presetPlacement()

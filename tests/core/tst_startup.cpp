@@ -102,6 +102,9 @@ private slots:
         QCOMPARE(w->pos(), QPoint(0, 0));
         QCOMPARE(Bf::mainInterface->tabBar()->count(), 1);
         QCOMPARE(Bf::mainInterface->tabBar()->tabText(0), QStringLiteral("Project 1"));
+        QCOMPARE(Bf::mainInterface->projects().size(), 1);
+        QVERIFY(Bf::mainInterface->currentProject());
+        QCOMPARE(Bf::mainInterface->currentProject(), Bf::mainInterface->projects().first());
         QCOMPARE(Bf::mainInterface->currentEditorId(), 0);
         QVERIFY(QBFCacheFilter::filter(QBFCacheFilter::LZ5));
         QVERIFY(QSpriteCache::undoCache());

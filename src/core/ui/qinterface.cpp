@@ -5,6 +5,8 @@
 #include "core/qlanguagemanager.h"
 #include "core/qlifecyclelog.h"
 #include "core/qmugenmodel.h"
+#include "core/qproject.h"
+#include "core/qprojectsettings.h"
 #include "qinterfacecontrol.h"
 #include "qinterfacecontrolaction.h"
 #include "qinterfaceeditor.h"
@@ -41,6 +43,7 @@ QInterface::QInterface(QMainWindow *window, QDockWidget *actionDock, QListView *
     buildLayout();
     buildActions();
     buildToolBars();
+    buildControllerUi();
     connect(m_editorGroup, &QActionGroup::triggered, this,
             qOverload<QAction *>(&QInterface::editorSwitch));
     QLifecycleLog::record(QStringLiteral("+QInterface"));
@@ -49,17 +52,23 @@ QInterface::QInterface(QMainWindow *window, QDockWidget *actionDock, QListView *
 QInterface::~QInterface()
 {
     // Editors go before the state is written: some of them keep settings of
-    // their own in the configuration as they die.
+    // their own in the configuration as they die. First they let go of the
+    // current project.
+    setCurrentProject(nullptr);
     if (QInterfaceEditor *e = editor(m_currentEditor)) {
         disconnectEditor(e);
         e->deactivate();
     }
+    qDeleteAll(m_projects);
+    m_projects.clear();
     m_controls.clear();
     m_workspaces.clear();
     m_editors.clear();
     m_extraEditors.clear();
+    releaseProjects();
     QLifecycleLog::record(QStringLiteral("-QInterface:editors"));
     saveState();
+    saveControllerState();
     QLifecycleLog::record(QStringLiteral("-QInterface:state"));
     Bf::mainInterface = nullptr;
 }
@@ -176,6 +185,7 @@ void QInterface::buildToolBars()
 void QInterface::init()
 {
     restoreState();
+    restoreControllerState();
     QLifecycleLog::record(QStringLiteral("QInterface::init:state"));
 
     if (!m_editorActions.isEmpty()) {
@@ -309,14 +319,14 @@ void QInterface::retranslate()
     updateExtraEditorName();
 }
 
-void QInterface::newProject(bool withTemplate)
+bool QInterface::canCloseProject(QProject *project)
 {
-    Q_UNUSED(withTemplate)
-    // The project object itself joins here once the project model exists;
-    // until then the tab stands for the empty first project.
-    ++m_projectCounter;
-    const int tab = m_tabBar->addTab(tr("Project %1").arg(m_projectCounter));
-    m_tabBar->setCurrentIndex(tab);
+    // Every editor is asked, even after a refusal: each may have its own
+    // question for the user.
+    bool ok = true;
+    for (auto &[id, e] : m_editors)
+        ok = e->canClose(project) && ok;
+    return ok;
 }
 
 void QInterface::rebuildToolMenu()

@@ -8,6 +8,7 @@
 #include <QObject>
 #include <QPointer>
 
+#include <functional>
 #include <map>
 #include <memory>
 
@@ -27,6 +28,13 @@ class QInterfaceControl;
 class QInterfaceEditor;
 class QInterfaceExtraEditor;
 class QInterfaceWorkspace;
+// controller
+class ErrorDlg;
+class QHistoryManager;
+class QLabel;
+class QModelIndex;
+struct QRGBPal;
+enum class QProjectFile : int;
 
 // The controller of the main window: it lays out the central widget, keeps
 // the registered editors, workspaces, extra editors and preset controls, and
@@ -77,6 +85,10 @@ public:
     int currentWorkspaceId() const { return m_currentWorkspace; }
     int currentExtraEditorId() const { return m_currentExtra; }
     QProject *currentProject() const { return m_currentProject; }
+    QList<QProject *> projects() const { return m_projects; }
+    // Asks every editor, each in turn and all of them, whether the project
+    // may close; true only if none refuses.
+    bool canCloseProject(QProject *project);
     QTabBar *tabBar() const { return m_tabBar; }
 
     // Shows each editor's button as the project type allows, and moves the
@@ -146,6 +158,7 @@ private:
 
     QTabBar *m_tabBar = nullptr;
     QProject *m_currentProject = nullptr;
+    QList<QProject *> m_projects;
     int m_projectCounter = 0;
 
     int m_currentEditor = NoEditor;
@@ -160,4 +173,103 @@ private:
 
     bool m_showLeftPanel = true;
     bool m_showRightPanel = true;
+
+    // ---- controller: menus, project tabs, file flows, window state ---------
+public:
+    static constexpr int StatusFieldCount = 4;
+    static constexpr int HistorySize = 20;
+
+    int projectCount() const { return int(m_projects.size()); }
+    QLabel *statusField(int i) const { return m_statusFields.value(i); }
+    // Shows text in a status field; an empty text hides the field, so that
+    // the project status keeps its room in a narrow window.
+    void setStatusText(int field, const QString &text);
+    QLabel *projectStatusLabel() const { return m_projectStatus; }
+    QHistoryManager *history() const { return m_history; }
+    QMenu *recentMenu() const { return m_recentMenu; }
+    ErrorDlg *issuesDialog() const { return m_issues; }
+    // The text of the project status field for a type and engine version.
+    static QString projectStatusText(int projectType, quint32 version);
+    // True for a project nobody has touched: empty DEF, sprites, palettes,
+    // animations, commands, states and sounds.
+    static bool isUntouched(QProject *project);
+
+    // A jump handler answers true when it took the place of an issue line.
+    using JumpHandler = std::function<bool(const QString &file, uint line)>;
+    void addJumpHandler(const QString &context, JumpHandler handler);
+
+    // Where shortcuts.xml and history.xml live: beside the program unless a
+    // folder is set (tests keep their runs apart this way).
+    static void setStateFolder(const QString &folder);
+    static QString stateFile(const QString &name);
+    // Reads and writes what the controller keeps between runs. Called by
+    // init() and the destructor; public so that a reset can run them again.
+    void restoreControllerState();
+    void saveControllerState();
+
+public slots:
+    void fileNew();
+    void fileOpen();
+    void openProject(const QString &fileName);
+    void fileClose();
+    void fileCloseAll();
+    void fileCloseAllCurr();
+    void fileSave();
+    void fileSaveAs();
+    void fileBackup();
+    void fileLoadBackup();
+    void fileRunMugen();
+    void editFindToggled(bool show);
+    void viewLeftPanel(bool show);
+    void viewRightPanel(bool show);
+    void viewOrganizer(bool show);
+    void viewActions(bool show);
+    void toolsOptions();
+    void toolsScript();
+    void helpAbout();
+    void helpReportBug();
+    void restoreBugReport();
+    void actionChanged(const QModelIndex &index);
+
+    QString saveFileName(QProjectFile kind, const QString &folder);
+    quint32 spritesVersionToSave(quint32 version);
+    bool canSave(QProject *project, QProjectFile kind, quint32 version);
+    void charPalette(QRGBPal *palette);
+    void changeTabName(QProject *project, const QString &name);
+    void projTypeChanged(QProject *project);
+    void projVerChanged(QProject *project);
+    void itemClicked(const QString &file, uint line);
+    void projTabsChanged(int index);
+    void projTabsMoved(int from, int to);
+    void projTabsClosed(int index);
+
+private:
+    void buildControllerUi();
+    void buildProjectMenu();
+    void buildViewMenu();
+    void buildToolsAndHelpMenus();
+    void buildStatusBar();
+    void releaseProjects();
+    QProject *createProject();
+    void connectProject(QProject *project);
+    void addProjectTab(QProject *project);
+    bool closeProject(int index);
+    void updateProjectStatus();
+    void askPaletteSaves(QProject *project, const QString &title, bool oneByOne);
+    void registerDialog(const QString &tag, QWidget *dialog);
+
+    QList<QLabel *> m_statusFields;
+    QLabel *m_projectStatus = nullptr;
+    QMenu *m_recentMenu = nullptr;
+    QHistoryManager *m_history = nullptr; // child of this object
+    ErrorDlg *m_issues = nullptr;
+    QAction *m_viewQuickFind = nullptr;
+    QAction *m_viewLeft = nullptr;
+    QAction *m_viewRight = nullptr;
+    QAction *m_viewActions = nullptr;
+    QAction *m_viewOrganizer = nullptr;
+    QMap<QString, QPointer<QWidget>> m_dialogs;
+    QMap<QString, JumpHandler> m_jumpHandlers;
+    bool m_closingAll = false;
+    // ---- end of controller ---------------------------------------------------
 };
