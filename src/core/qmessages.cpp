@@ -40,6 +40,7 @@ QVariant QMessages::data(const QModelIndex &index, int role) const
 
 void QMessages::clear()
 {
+    QMutexLocker adding(&m_addLock);
     beginResetModel();
     {
         QMutexLocker locker(&m_lock);
@@ -66,6 +67,7 @@ QList<QMessages::Message> QMessages::messages() const
 
 void QMessages::add(Kind kind, const QString &text)
 {
+    QMutexLocker adding(&m_addLock);
     int row;
     {
         QMutexLocker locker(&m_lock);

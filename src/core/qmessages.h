@@ -43,4 +43,7 @@ private:
     int m_issueCount = 0;
     QList<Message> m_messages;
     mutable QMutex m_lock;
+    // Serialises whole additions: the model's row bookkeeping inside
+    // begin/endInsertRows is not safe against two threads at once.
+    QMutex m_addLock;
 };
