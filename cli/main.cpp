@@ -1,6 +1,7 @@
 // brawlforge-cli: the project's formats from the command line, for batch work and
 // continuous integration. It loads and saves through the program's own stores,
 // so what it says and writes is what Brawlforge would.
+#include "animationscommand.h"
 #include "commandstart.h"
 #include "console.h"
 #include "infocommand.h"
@@ -24,6 +25,8 @@ static ExitCode dispatch(const QStringList &words)
         return SpritesCommand::run(rest);
     if (command == QLatin1String("project"))
         return ProjectCommand::run(rest);
+    if (command == QLatin1String("animations"))
+        return AnimationsCommand::run(rest);
     if (command == QLatin1String("help"))
         return startCommand({QStringLiteral("--help")}, Usage::Topic::Tool, {}, {}).finished.value();
 

@@ -17,6 +17,9 @@ QString commandName(Topic topic)
     case Topic::SpritesConvert: return QStringLiteral("brawlforge-cli sprites convert");
     case Topic::Project: return QStringLiteral("brawlforge-cli project");
     case Topic::ProjectInfo: return QStringLiteral("brawlforge-cli project info");
+    case Topic::Animations: return QStringLiteral("brawlforge-cli animations");
+    case Topic::AnimationsInfo: return QStringLiteral("brawlforge-cli animations info");
+    case Topic::AnimationsConvert: return QStringLiteral("brawlforge-cli animations convert");
     }
     return QString();
 }
@@ -49,6 +52,11 @@ QString text(Topic topic)
             "                                            saves a sprite file in another version\n"
             "  project info FILE.def [--json]            opens a project as the program does\n"
             "                                            and lists its files and issues\n"
+            "  animations info FILE.air|FILE.def [--json]\n"
+            "                                            the actions, frames and boxes of an\n"
+            "                                            animation file or of a DEF\n"
+            "  animations convert IN.air OUT.air         rewrites animations in the program's\n"
+            "                                            own layout\n"
             "\n"
             "Options:\n"
             "  -h, --help     this text; after a command, the help of that command\n"
@@ -126,6 +134,52 @@ QString text(Topic topic)
             "\n"
             "Options:\n"
             "  --json         print one JSON document instead of text\n");
+        break;
+    case Topic::Animations:
+        body = QStringLiteral(
+            "Usage: brawlforge-cli animations info FILE.air|FILE.def [--json]\n"
+            "       brawlforge-cli animations convert IN.air OUT.air\n"
+            "\n"
+            "See 'brawlforge-cli animations info --help' and\n"
+            "'brawlforge-cli animations convert --help'.\n");
+        break;
+    case Topic::AnimationsInfo:
+        body = QStringLiteral(
+            "Usage: brawlforge-cli animations info FILE.air|FILE.def [--json]\n"
+            "\n"
+            "Reads the actions the way Brawlforge does and lists them: number, frames,\n"
+            "loop time in ticks (-1 when an element stays forever), the frame the loop\n"
+            "starts at, and the name (the comment right above the header).\n"
+            "A DEF that names an animation file (a character's) stands for that file;\n"
+            "any other DEF (stage, storyboard, screen pack) holds its actions itself.\n"
+            "\n"
+            "With --json, one document:\n"
+            "  {\"actions\": [{\"number\", \"name\", \"loopstart\": index or null,\n"
+            "                \"frames\": [{\"group\", \"number\", \"x\", \"y\", \"time\",\n"
+            "                            \"flip\": \"\"|\"H\"|\"V\"|\"HV\",\n"
+            "                            \"trans\": \"\"|\"A\"|\"A1\"|\"S\"|\"AS<n>D<n>\",\n"
+            "                            \"xscale\", \"yscale\", \"angle\": number or null,\n"
+            "                            \"clsn1\", \"clsn2\": [[x1, y1, x2, y2], ...]}]}],\n"
+            "   \"warnings\": [{\"line\", \"text\"}]}\n"
+            "where clsn1 and clsn2 are the boxes that hold while the frame shows (its\n"
+            "own, or the default in force), with the corners as written, and lines are\n"
+            "counted from 1.\n"
+            "\n"
+            "Options:\n"
+            "  --json         print one JSON document instead of text\n");
+        break;
+    case Topic::AnimationsConvert:
+        body = QStringLiteral(
+            "Usage: brawlforge-cli animations convert IN.air OUT.air\n"
+            "\n"
+            "Reads IN and writes its actions to OUT in the program's own layout: the\n"
+            "Brawlforge header, each action between empty lines under a \"; name\" line,\n"
+            "CR LF line ends, a byte-order mark where the encoding has one. Actions,\n"
+            "frames and boxes stay exactly as read; comments and spacing don't.\n"
+            "IN may be a stage's or a storyboard's DEF: with an OUT.def the DEF is\n"
+            "written back with only its action blocks rewritten, with any other name\n"
+            "its actions go to an AIR file. OUT is replaced only once it is completely\n"
+            "written.\n");
         break;
     }
     return body + QLatin1String(exitCodes);

@@ -36,6 +36,8 @@ QProject::QProject(const QProjectSettings &settings, QObject *parent)
     : QObject(parent)
     , m_sprites(settings.cacheType, settings.cacheCompression != 0)
     , m_sounds(settings.cacheType, settings.cacheCompression)
+    , m_defAnimations(&m_animations, &m_definitions,
+                      [this] { return m_type == QProjectType::Stage || m_type == QProjectType::Storyboard; })
     , m_settings(settings)
 {
     for (QSyntaxTextEditor *doc : {&m_definitions, &m_commands}) {
@@ -520,10 +522,14 @@ bool QProject::fromFile(const QString &fileName, uint codepage, bool backup, boo
         return finish();
 
     // Animations: characters have their own file; stages and storyboards keep
-    // theirs in the DEF itself, fonts have none. The store reads neither yet,
-    // so the file only goes to the backup.
-    if (isCharacter())
-        existing(files.animation);
+    // theirs in the DEF itself, fonts have none.
+    if (isCharacter()) {
+        const QString air = existing(files.animation);
+        if (!air.isEmpty())
+            loadAnimations(air, codepage, temporary);
+    } else if (m_type != QProjectType::Font) {
+        m_defAnimations.read();
+    }
     if (!step(++done, total))
         return finish();
 
@@ -615,9 +621,15 @@ bool QProject::saveFile(QProjectFile kind, bool asUtf8, int state)
         const QString name = askFileName(kind, spritesFile().isEmpty() ? remembered(m_defFiles.sprite) : spritesFile());
         return !name.isEmpty() && writeSprites(name, version, false);
     }
-    case QProjectFile::Animations:
+    case QProjectFile::Animations: {
+        if (m_animations.isEmpty() || !askCanSave(kind, m_version))
+            return false;
+        const QString name = askFileName(kind, m_animations.path().isEmpty() ? remembered(m_defFiles.animation)
+                                                                            : m_animations.path());
+        return !name.isEmpty() && writeAnimations(name, false);
+    }
     case QProjectFile::Sounds:
-        // These stores hold nothing in memory yet, and an empty slot writes nothing.
+        // The sound store holds nothing in memory yet, and an empty slot writes nothing.
         return false;
     case QProjectFile::Commands: {
         if (m_commands.isEmpty())
@@ -663,7 +675,10 @@ bool QProject::toFile()
     if (!isCharacter())
         return ok;
 
-    // The animation and sound stores hold nothing to write yet.
+    if (!QFileInfo(m_animations.path()).isFile())
+        saveFile(QProjectFile::Animations, false);
+    else if (m_animations.isModified() && askCanSave(QProjectFile::Animations, m_version))
+        ok = writeAnimations(m_animations.path(), false) && ok;
     if (!step(++done, total))
         return false;
 
@@ -789,8 +804,12 @@ bool QProject::writeCopy(const QString &folder, const QString &defName)
     if (isCharacter()) {
         for (const QString &name : {files.animation, files.sound}) {
             const QString target = name.isEmpty() ? QString() : targetIn(folder, name);
-            if (!target.isEmpty())
-                fallback(name, target);
+            if (!target.isEmpty()) {
+                if (&name == &files.animation && !m_animations.isEmpty())
+                    ok = QDir().mkpath(QFileInfo(target).absolutePath()) && writeAnimations(target, true) && ok;
+                else
+                    fallback(name, target);
+            }
             if (!step(++done, total))
                 return false;
         }
@@ -897,5 +916,23 @@ bool QProject::writePalette(const QRGBPal &colors, const QString &path)
     if (QDir().mkpath(QFileInfo(path).absolutePath()) && QPaletteFile::saveAct(path, colors, &error))
         return true;
     m_messages.addError(tr("%1: The palette can't be saved: %2").arg(place(path), error));
+    return false;
+}
+
+// ---------------------------------------------------------------- animation slot
+
+bool QProject::loadAnimations(const QString &path, uint codepage, bool temporary)
+{
+    if (m_animations.load(path, int(codepage), temporary))
+        return true;
+    m_messages.addError(tr("%1: The animations can't be read: %2").arg(place(path), m_animations.errorString()));
+    return false;
+}
+
+bool QProject::writeAnimations(const QString &path, bool asCopy)
+{
+    if (m_animations.save(path, false, asCopy))
+        return true;
+    m_messages.addError(tr("%1: The animations can't be saved: %2").arg(place(path), m_animations.errorString()));
     return false;
 }

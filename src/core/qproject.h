@@ -1,6 +1,7 @@
 #pragma once
 
 #include "animations/qanimations.h"
+#include "animations/qdefanimations.h"
 #include "code/qsyntaxtexteditor.h"
 #include "core/qmessages.h"
 #include "core/qprojectsettings.h"
@@ -140,6 +141,10 @@ private:
     const QRGBPal *palette(int number) const;
     bool writePalette(const QRGBPal &colors, const QString &path);
 
+    // The animation slot of a character (stages keep theirs in the DEF).
+    bool loadAnimations(const QString &path, uint codepage, bool temporary);
+    bool writeAnimations(const QString &path, bool asCopy);
+
     QList<QSyntaxTextEditor *> m_states;
     QMap<QString, QString> m_paths;
     QMessages m_messages;
@@ -148,6 +153,7 @@ private:
     QAnimations m_animations;
     QSyntaxTextEditor m_commands;
     QSounds m_sounds;
+    QDefAnimations m_defAnimations;
     QProjectType m_type = QProjectType::Character;
     quint32 m_version = DefaultVersion;
     int m_localWidth = 320;

@@ -1,0 +1,301 @@
+#include "animationscommand.h"
+
+#include "atomicwrite.h"
+#include "commandstart.h"
+#include "console.h"
+#include "animations/airformat.h"
+#include "animations/qanimations.h"
+#include "animations/qdefanimations.h"
+#include "code/qtextencoding.h"
+#include "core/qmessages.h"
+#include "core/qproject.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonValue>
+#include <QTextCodec>
+
+namespace AnimationsCommand {
+
+ExitCode run(const QStringList &words)
+{
+    const QString sub = words.value(0);
+    if (sub == QLatin1String("info"))
+        return info(words.mid(1));
+    if (sub == QLatin1String("convert"))
+        return convert(words.mid(1));
+    if (sub.isEmpty() || sub.startsWith(QLatin1Char('-'))) {
+        CommandStart start = startCommand(words, Usage::Topic::Animations, {}, {});
+        if (start.finished)
+            return *start.finished;
+        return usageError(Usage::Topic::Animations, QStringLiteral("missing command: info or convert"));
+    }
+    return usageError(Usage::Topic::Animations, QStringLiteral("unknown command 'animations %1'").arg(sub));
+}
+
+namespace {
+
+bool isDefinitions(const QString &path)
+{
+    return QFileInfo(path).suffix().compare(QLatin1String("def"), Qt::CaseInsensitive) == 0;
+}
+
+// What a file given to the commands holds: the actions, read the way the
+// program reads them, with the messages of the read.
+struct Source
+{
+    QMessages messages;
+    QAnimations store;
+    QString file;        // the file the actions were read from (the AIR of a character's DEF)
+    QString defText;     // a DEF that holds its actions itself, as read
+    QByteArray defCodec;
+
+    Source() { store.setMessages(&messages); }
+};
+
+// Reads FILE.air, or FILE.def: a DEF that names an animation file ([Files]
+// anim, a character) stands for that file, any other DEF (stage, storyboard,
+// screen pack) holds its actions itself. `followDef` false refuses the first.
+bool read(const QString &path, Source *source, bool followDef)
+{
+    const QFileInfo info(path);
+    if (!info.exists()) {
+        Console::fail(QStringLiteral("'%1': no such file").arg(QDir::toNativeSeparators(path)));
+        return false;
+    }
+    if (info.isDir()) {
+        Console::fail(QStringLiteral("'%1' is a folder, not a file").arg(QDir::toNativeSeparators(path)));
+        return false;
+    }
+    source->file = path;
+    if (isDefinitions(path)) {
+        QProject project;
+        if (!project.definitions()->loadFile(path, 0)) {
+            Console::fail(QStringLiteral("'%1': %2").arg(QDir::toNativeSeparators(path),
+                                                          project.definitions()->errorString()));
+            return false;
+        }
+        const QProjectDefFiles files = project.scanDef(path);
+        if (!files.animation.isEmpty()) {
+            const QString air = QProject::resolveFile(files.folder, files.animation);
+            if (!followDef) {
+                Console::fail(QStringLiteral("'%1' keeps its animations in '%2': convert that file")
+                                  .arg(QDir::toNativeSeparators(path), QDir::toNativeSeparators(air)));
+                return false;
+            }
+            if (!QFileInfo(air).isFile()) {
+                Console::fail(QStringLiteral("'%1' names the animation file '%2', which does not exist")
+                                  .arg(QDir::toNativeSeparators(path), QDir::toNativeSeparators(air)));
+                return false;
+            }
+            source->file = air;
+        } else {
+            source->defText = project.definitions()->text();
+            source->defCodec = project.definitions()->encoding();
+            source->store.loadText(source->defText, info.fileName(), true);
+            return true;
+        }
+    }
+    if (!source->store.load(source->file, 0)) {
+        Console::fail(QStringLiteral("'%1': %2").arg(QDir::toNativeSeparators(source->file),
+                                                      source->store.errorString()));
+        return false;
+    }
+    return true;
+}
+
+QString jsonString(const QString &text)
+{
+    const QByteArray doc = QJsonDocument(QJsonArray{text}).toJson(QJsonDocument::Compact);
+    return QString::fromUtf8(doc.mid(1, doc.size() - 2));
+}
+
+QString jsonFloat(float value)
+{
+    return value == 0 ? QStringLiteral("null") : AirFormat::number(value);
+}
+
+QString jsonBoxes(const QList<QRect> &boxes)
+{
+    QStringList out;
+    for (const QRect &r : boxes)
+        out << QStringLiteral("[%1, %2, %3, %4]").arg(r.left()).arg(r.top()).arg(r.right()).arg(r.bottom());
+    return QLatin1Char('[') + out.join(QStringLiteral(", ")) + QLatin1Char(']');
+}
+
+int loopstart(const AnimAction &a)
+{
+    // Each Loopstart moves the loop's start: the last one holds.
+    int at = -1;
+    for (qsizetype i = 0; i < a.frames.size(); ++i) {
+        if (a.frames.at(i)->loopstart)
+            at = int(i);
+    }
+    return at;
+}
+
+struct Warning
+{
+    int line = 0;
+    QString text;
+};
+
+// The messages of the read, as line and text: parser messages start with
+// "name(line): ".
+QList<Warning> warnings(const QMessages &messages, const QString &name)
+{
+    QList<Warning> out;
+    const QString prefix = name + QLatin1Char('(');
+    for (const QMessages::Message &m : messages.messages()) {
+        if (m.kind == QMessages::Information)
+            continue;
+        Warning w;
+        w.text = m.text;
+        if (m.text.startsWith(prefix)) {
+            const qsizetype close = m.text.indexOf(QLatin1String("): "), prefix.size());
+            bool ok = false;
+            const int line = close > 0 ? m.text.mid(prefix.size(), close - prefix.size()).toInt(&ok) : 0;
+            if (ok) {
+                w.line = line;
+                w.text = m.text.mid(close + 3);
+            }
+        }
+        out.append(w);
+    }
+    return out;
+}
+
+// The document is written by hand so that its keys come in the documented order.
+QString json(const QAnimations &store, const QList<Warning> &issues)
+{
+    QString s = QStringLiteral("{\n  \"actions\": [");
+    for (int i = 0; i < store.count(); ++i) {
+        const AnimAction &a = *store.action(i);
+        const int loop = loopstart(a);
+        s += i ? QStringLiteral(",\n    ") : QStringLiteral("\n    ");
+        s += QStringLiteral("{\"number\": %1, \"name\": %2, \"loopstart\": %3, \"frames\": [")
+                 .arg(QString::number(a.number), jsonString(a.name),
+                      loop < 0 ? QStringLiteral("null") : QString::number(loop));
+        for (qsizetype j = 0; j < a.frames.size(); ++j) {
+            const AnimFrame &f = *a.frames.at(j);
+            s += j ? QStringLiteral(",\n      ") : QStringLiteral("\n      ");
+            s += QStringLiteral("{\"group\": %1, \"number\": %2, \"x\": %3, \"y\": %4, \"time\": %5, ")
+                     .arg(f.group)
+                     .arg(f.number)
+                     .arg(f.x)
+                     .arg(f.y)
+                     .arg(f.time);
+            s += QStringLiteral("\"flip\": %1, \"trans\": %2, \"xscale\": %3, \"yscale\": %4, \"angle\": %5, ")
+                     .arg(jsonString(AirFormat::flipText(f)), jsonString(AirFormat::transText(f)), jsonFloat(f.scaleX),
+                          jsonFloat(f.scaleY), jsonFloat(f.angle));
+            s += QStringLiteral("\"clsn1\": %1, \"clsn2\": %2}")
+                     .arg(jsonBoxes(store.clsnInForce(i, int(j), 0)), jsonBoxes(store.clsnInForce(i, int(j), 1)));
+        }
+        s += a.frames.isEmpty() ? QStringLiteral("]}") : QStringLiteral("\n    ]}");
+    }
+    s += store.count() ? QStringLiteral("\n  ],\n  \"warnings\": [") : QStringLiteral("],\n  \"warnings\": [");
+    for (qsizetype i = 0; i < issues.size(); ++i) {
+        s += i ? QStringLiteral(",\n    ") : QStringLiteral("\n    ");
+        s += QStringLiteral("{\"line\": %1, \"text\": %2}").arg(QString::number(issues.at(i).line),
+                                                               jsonString(issues.at(i).text));
+    }
+    s += issues.isEmpty() ? QStringLiteral("]\n}\n") : QStringLiteral("\n  ]\n}\n");
+    return s;
+}
+
+QString text(const QAnimations &store, const QString &file)
+{
+    qsizetype frames = 0;
+    for (const AnimAction *a : store.actions())
+        frames += a->frames.size();
+    QString s = QStringLiteral("File: %1\nActions: %2\nFrames: %3\n")
+                    .arg(QDir::toNativeSeparators(file))
+                    .arg(store.count())
+                    .arg(frames);
+    if (store.count() == 0)
+        return s;
+    s += QStringLiteral("\n  %1 %2 %3 %4  %5\n")
+             .arg(QStringLiteral("action"), 8)
+             .arg(QStringLiteral("frames"), 7)
+             .arg(QStringLiteral("ticks"), 7)
+             .arg(QStringLiteral("loop"), 5)
+             .arg(QStringLiteral("name"));
+    for (const AnimAction *a : store.actions()) {
+        // The loop time; -1 when an element stays forever.
+        qint64 ticks = 0;
+        for (const AnimFrame *f : a->frames)
+            ticks = (ticks < 0 || f->time < 0) ? -1 : ticks + f->time;
+        const int loop = loopstart(*a);
+        s += QStringLiteral("  %1 %2 %3 %4  %5\n")
+                 .arg(a->number, 8)
+                 .arg(a->frames.size(), 7)
+                 .arg(ticks, 7)
+                 .arg(loop < 0 ? QStringLiteral("-") : QString::number(loop), 5)
+                 .arg(a->name);
+    }
+    return s;
+}
+
+} // namespace
+
+ExitCode info(const QStringList &words)
+{
+    CommandStart start = startCommand(words, Usage::Topic::AnimationsInfo, {{QStringLiteral("json"), false}},
+                                      {QStringLiteral("FILE.air|FILE.def")});
+    if (start.finished)
+        return *start.finished;
+    Source source;
+    if (!read(start.args.positional().at(0), &source, true))
+        return ExitCode::Failure;
+    const QString name = QFileInfo(source.file).fileName();
+    const int issues = Console::printIssues(source.messages, name);
+    if (start.args.has(QStringLiteral("json")))
+        Console::out(json(source.store, warnings(source.messages, name)));
+    else
+        Console::out(text(source.store, source.file));
+    return issues ? ExitCode::Issues : ExitCode::Ok;
+}
+
+ExitCode convert(const QStringList &words)
+{
+    CommandStart start = startCommand(words, Usage::Topic::AnimationsConvert, {},
+                                      {QStringLiteral("IN.air"), QStringLiteral("OUT.air")});
+    if (start.finished)
+        return *start.finished;
+    const QString input = start.args.positional().at(0);
+    const QString output = start.args.positional().at(1);
+    const QFileInfo target(output);
+    if (target.isDir()) {
+        Console::fail(QStringLiteral("'%1' is a folder, not a file name").arg(QDir::toNativeSeparators(output)));
+        return ExitCode::Failure;
+    }
+    if (!target.absoluteDir().exists()) {
+        Console::fail(QStringLiteral("cannot write '%1': its folder does not exist").arg(QDir::toNativeSeparators(output)));
+        return ExitCode::Failure;
+    }
+    Source source;
+    if (!read(input, &source, false))
+        return ExitCode::Failure;
+    const int issues = Console::printIssues(source.messages, QFileInfo(source.file).fileName());
+
+    QString error;
+    if (!source.defText.isNull() && isDefinitions(output)) {
+        // A DEF stays a DEF: its actions in the program's layout, the rest as it was.
+        QTextCodec *codec = QTextCodec::codecForName(source.defCodec);
+        QString text = QDefAnimations::merge(source.defText, source.store.actions(), true);
+        text.replace(QLatin1Char('\n'), QLatin1String("\r\n"));
+        if (!AtomicWrite::writeBytes(output, QTextEncoding::encode(text, codec), &error)) {
+            Console::fail(error);
+            return ExitCode::Failure;
+        }
+    } else if (!source.store.save(output, false, true)) {
+        Console::fail(QStringLiteral("cannot write '%1': %2")
+                          .arg(QDir::toNativeSeparators(output), source.store.errorString()));
+        return ExitCode::Failure;
+    }
+    return issues ? ExitCode::Issues : ExitCode::Ok;
+}
+
+} // namespace AnimationsCommand
