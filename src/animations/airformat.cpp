@@ -12,7 +12,30 @@ QString number(float value)
 {
     QString s;
     QTextStream(&s) << value;
-    return s;
+    // Six significant digits as the stream writes them, but never with an
+    // exponent ("1e-07"), which no reader of AIR text takes for one number:
+    // the point is moved instead.
+    const qsizetype e = s.indexOf(QLatin1Char('e'));
+    if (e < 0)
+        return s;
+    const int exponent = s.mid(e + 1).toInt();
+    QString mantissa = s.left(e);
+    const bool negative = mantissa.startsWith(QLatin1Char('-'));
+    if (negative)
+        mantissa.remove(0, 1);
+    qsizetype point = mantissa.indexOf(QLatin1Char('.'));
+    if (point < 0)
+        point = mantissa.size();
+    const QString digits = mantissa.remove(QLatin1Char('.'));
+    const qsizetype at = point + exponent; // digits before the point
+    QString out;
+    if (at <= 0)
+        out = QStringLiteral("0.") + QString(-at, QLatin1Char('0')) + digits;
+    else if (at >= digits.size())
+        out = digits + QString(at - digits.size(), QLatin1Char('0'));
+    else
+        out = digits.left(at) + QLatin1Char('.') + digits.mid(at);
+    return negative ? QLatin1Char('-') + out : out;
 }
 
 QString flipText(const AnimFrameData &frame)

@@ -25,7 +25,14 @@ void AnimFrame::resetForEditor()
 
 bool AnimFrame::sameContent(const AnimFrame &o) const
 {
-    if (!(static_cast<const AnimFrameData &>(*this) == o))
+    // Alpha values only count with additive transparency: the text has them nowhere else.
+    AnimFrameData a = *this;
+    AnimFrameData b = o;
+    if (a.trans != TransAdd)
+        a.src = a.dst = 0;
+    if (b.trans != TransAdd)
+        b.src = b.dst = 0;
+    if (!(a == b))
         return false;
     for (int i = 0; i < 4; ++i) {
         if (hasClsn(i) != o.hasClsn(i) || clsn[i] != o.clsn[i])

@@ -38,18 +38,16 @@ struct AnimFrame : AnimFrameData
     enum Clsn { Clsn1 = 0, Clsn2 = 1, Clsn1Default = 2, Clsn2Default = 3 };
     // Slots of `lines`: the frame's first line, the header and the last line of
     // each box block (by Clsn), the element line, and the keyword lines.
-    enum Line {
-        FirstLine = 0,
-        ClsnHeadLine = 1, // + Clsn
-        DataLine = 5,
-        ClsnEndLine = 6,  // + Clsn
-        LoopstartLine = 11,
-        InterpAngleLine = 12,
-        InterpOffsetLine = 13,
-        InterpBlendLine = 14,
-        InterpScaleLine = 15,
-        LineCount = 16
-    };
+    static constexpr int FirstLine = 0;
+    static constexpr int ClsnHeadLine = 1; // + Clsn
+    static constexpr int DataLine = 5;
+    static constexpr int ClsnEndLine = 6;  // + Clsn
+    static constexpr int LoopstartLine = 11;
+    static constexpr int InterpAngleLine = 12;
+    static constexpr int InterpOffsetLine = 13;
+    static constexpr int InterpBlendLine = 14;
+    static constexpr int InterpScaleLine = 15;
+    static constexpr int LineCount = 16;
 
     qint32 lines[LineCount];
     // A block written with no box ("Clsn2: 0") still says something: the frame

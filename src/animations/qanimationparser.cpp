@@ -38,9 +38,16 @@ QAnimationParser::QAnimationParser(QMessages *sink, const QString &name, QObject
 {
 }
 
-void QAnimationParser::setText(const QString &text)
+void QAnimationParser::setText(QString text)
 {
-    m_text = text;
+    prepare(std::move(text));
+    moveToHeader();
+}
+
+
+void QAnimationParser::prepare(QString text)
+{
+    m_text = std::move(text);
     m_lastCodeLine = -1;
     m_beforeHeader = -1;
     m_scanPos = 0;
@@ -54,7 +61,6 @@ void QAnimationParser::setText(const QString &text)
         m_text.replace(QChar(0), QLatin1Char(' '));
     }
     m_lx.setText(m_text);
-    moveToHeader();
 }
 
 bool QAnimationParser::isWord(QLatin1StringView word) const
@@ -69,23 +75,23 @@ void QAnimationParser::advance()
     m_lx.next();
 }
 
+// On to the next line with code, whatever is left on this one.
 void QAnimationParser::skipRest()
 {
-    if (atLineEnd())
-        return;
-    m_lastCodeLine = m_lx.line();
-    m_lx.skipLine();
+    if (!atLineEnd()) {
+        m_lastCodeLine = m_lx.line();
+        m_lx.skipLine();
+    }
+    while (kind() == AirLexer::LineEnd)
+        advance();
 }
 
 // The rest of the line must be empty; then on to the next line with code.
 void QAnimationParser::endLine()
 {
-    if (!atLineEnd()) {
+    if (!atLineEnd())
         codeEnds(line());
-        skipRest();
-    }
-    while (kind() == AirLexer::LineEnd)
-        advance();
+    skipRest();
 }
 
 bool QAnimationParser::nextIsBracket() const
@@ -231,7 +237,11 @@ void QAnimationParser::nameFromComment(AnimAction *action, int headerLine)
             buffer.append(c);
         }
         if (!buffer.isEmpty() && longest <= 4) {
-            action->name = buffer.trimmed();
+            // At most 255 characters, so that "; " and the name read back the same.
+            QString name = buffer.trimmed().left(AirLexer::MaxCommentLength - 1);
+            if (!name.isEmpty() && name.back().isHighSurrogate())
+                name.chop(1);
+            action->name = name.trimmed();
             action->firstLine = lineNo;
         }
         end = start;
@@ -295,7 +305,8 @@ AnimAction *QAnimationParser::parseAction()
         fail();
     if (bad)
         skipRest();
-    endLine();
+    else
+        endLine();
 
     while (kind() != AirLexer::OpenBracket && kind() != AirLexer::End) {
         if (AnimFrame *f = parseFrame())
@@ -348,7 +359,6 @@ AnimFrame *QAnimationParser::parseFrame()
             if ((type == AnimFrame::Clsn1 || type == AnimFrame::Clsn2) && nextIsBracket()) {
                 report(false, at, tr("%1(%2): A box line outside a Clsn block is ignored"));
                 skipRest();
-                endLine();
             } else {
                 parseBlock(f, type, false, &f->clsn[type]);
             }
@@ -378,15 +388,14 @@ AnimFrame *QAnimationParser::parseFrame()
                            tr("%1(%2): Invalid interpolation type '%3'").replace(QLatin1String("%3"), token()));
                 }
                 advance();
+                endLine();
             } else {
                 unexpected(at);
                 skipRest();
             }
-            endLine();
         } else {
             report(false, at, tr("%1(%2): Unknown identifier '%3'").replace(QLatin1String("%3"), token()));
             skipRest();
-            endLine();
         }
     }
 
@@ -425,12 +434,12 @@ void QAnimationParser::parseBlock(AnimFrame *f, int type, bool pasted, QList<QRe
             count = -1;
         }
         advance();
+        endLine();
     } else {
         if (!bad)
             unexpected(head);
         skipRest();
     }
-    endLine();
 
     // Box lines are read as long as they come, whatever the count says: the
     // memory goes by the text, and a wrong count costs no frame.
@@ -454,18 +463,12 @@ void QAnimationParser::parseBox(int type, bool pasted, QList<QRect> *into)
 {
     const int at = line();
     const int label = boxLabel(token());
-    if (pasted) {
-        // Pasted blocks check their lines against the other kind, so each box
-        // reports itself; it is stored all the same.
-        if (label == (type & 1))
-            unexpected(at);
-    } else if (label != (type & 1)) {
-        // kfm's own file has these: the engine goes by the block's header.
-        const QString block = QStringLiteral("Clsn%1%2").arg((type & 1) + 1).arg(type & 2 ? QStringLiteral("Default") : QString());
-        report(false, at, tr("%1(%2): A %3 box line inside a %4 block counts as %4")
-                              .replace(QLatin1String("%3"), token())
-                              .replace(QLatin1String("%4"), block));
-    }
+    // In a file the block's header decides the kind, as the engine reads it:
+    // kfm's own "Clsn1: 1" over a "Clsn2[0]" line is an attack box. Pasted
+    // blocks check their lines against the other kind, so each box reports
+    // itself; it is stored all the same.
+    if (pasted && label == (type & 1))
+        unexpected(at);
     advance();
     advance(); // the bracket
     if (kind() == AirLexer::Integer)
@@ -654,11 +657,9 @@ void QAnimationParser::parseDataLine(AnimFrame *f)
 
 // ---------------------------------------------------------------- pasted boxes
 
-void QAnimationParser::parseClsn(QList<QRect> boxes[4])
+void QAnimationParser::parseClsn(QString text, QList<QRect> boxes[4])
 {
-    // Pasted text has no header to look for: start over from the first line.
-    m_lx.setText(m_text);
-    m_lastCodeLine = -1;
+    prepare(std::move(text));
     while (kind() == AirLexer::LineEnd)
         advance();
     while (!atEnd()) {
@@ -666,7 +667,6 @@ void QAnimationParser::parseClsn(QList<QRect> boxes[4])
         if (type < 0) {
             report(false, line(), tr("%1(%2): Invalid flip type '%3'").replace(QLatin1String("%3"), token()));
             skipRest();
-            endLine();
             continue;
         }
         parseBlock(nullptr, type, true, &boxes[type]);

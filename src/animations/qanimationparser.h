@@ -38,7 +38,7 @@ public:
 
     void setSource(Source source) { m_source = source; }
     // Starts at the first line and moves to the first action header.
-    void setText(const QString &text);
+    void setText(QString text);
     bool atEnd() const { return m_lx.kind() == AirLexer::End; }
 
     // One action, from the header the parser stands on to the next header.
@@ -49,7 +49,7 @@ public:
     QList<AnimAction *> parseAll(QList<Extent> *extents = nullptr);
     // Box blocks as copied from a frame ("Clsn2: 1" and its box lines), added
     // to the four lists by kind.
-    void parseClsn(QList<QRect> boxes[4]);
+    void parseClsn(QString text, QList<QRect> boxes[4]);
 
     // Errors and warnings reported so far.
     int issueCount() const { return m_issues; }
@@ -80,6 +80,7 @@ private:
     void codeEnds(int line);
     void missing(int line, const QString &what);
 
+    void prepare(QString text);
     void moveToHeader();
     void nameFromComment(AnimAction *action, int headerLine);
     qsizetype lineStart(int line);

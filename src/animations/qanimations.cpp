@@ -18,6 +18,10 @@ namespace {
 // Larger texts are not animation files: the engine would take minutes to read
 // them, and the text alone would take several times this in memory.
 constexpr qint64 MaxFileSize = 256 * 1024 * 1024;
+// The encoding is told from the first bytes: the detector takes about a second
+// per megabyte of damaged data, and an animation text shows its encoding in its
+// first comments and names.
+constexpr qsizetype DetectionBytes = 1024 * 1024;
 
 } // namespace
 
@@ -305,15 +309,14 @@ bool QAnimations::load(const QString &path, int defaultCodepage, bool keepPath)
     const QString name = QFileInfo(path).fileName();
     m_fileName = keepPath ? keptName : name;
     m_path = keepPath ? keptPath : path;
-    QTextCodec *codec = QTextEncoding::detectCodec(bytes, defaultCodepage);
+    QTextCodec *codec = QTextEncoding::detectCodec(bytes.left(DetectionBytes), defaultCodepage);
     QString text = QTextEncoding::decode(bytes, codec);
     bytes = QByteArray();
     if (codec)
         m_codecName = codec->name();
 
     QAnimationParser parser(m_messages, name);
-    parser.setText(text);
-    text = QString();
+    parser.setText(std::move(text));
     const QList<AnimAction *> actions = parser.parseAll();
     m_modified = false;
     emit changed();
@@ -452,9 +455,8 @@ bool QAnimations::addClsnFromText(int anim, int frame, const QString &text)
     if (m_messages)
         m_messages->addInfo(tr("Add CLSNs to the animation %1, frame %2 from text").arg(anim).arg(frame));
     QAnimationParser parser(m_messages, messageName());
-    parser.setText(text);
     QList<QRect> boxes[4];
-    parser.parseClsn(boxes);
+    parser.parseClsn(text, boxes);
     for (int i = 0; i < 4; ++i)
         f->clsn[i].append(boxes[i]);
     edited();
