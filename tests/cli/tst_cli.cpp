@@ -181,6 +181,7 @@ private slots:
     void damagedSpriteFiles();
     void definitionsInfo();
     void projectInfo();
+    void animationsOverSample();
 };
 
 void TestCli::initTestCase()
@@ -794,6 +795,112 @@ void TestCli::projectInfo()
             QVERIFY2(!r.crashed && r.code >= 0 && r.code <= 2, qPrintable(describe(r)));
         }
     }
+}
+
+// The actions of `animations info --json`, or an empty array with the failure.
+QJsonArray animationActions(const QString &path, Run *run = nullptr)
+{
+    const Run r = runTool({QStringLiteral("animations"), QStringLiteral("info"), path, QStringLiteral("--json")});
+    if (run)
+        *run = r;
+    return QJsonDocument::fromJson(r.out).object().value(QStringLiteral("actions")).toArray();
+}
+
+void TestCli::animationsOverSample()
+{
+    BF_REQUIRE_SAMPLE();
+    // Every AIR, and every DEF that holds its own actions (stages, storyboards).
+    QStringList files;
+    static const QRegularExpression ownActions(QStringLiteral("^\\s*\\[\\s*(bgdef|scenedef)\\s*\\]"),
+                                               QRegularExpression::CaseInsensitiveOption
+                                                   | QRegularExpression::MultilineOption);
+    QDirIterator it(TestSupport::sampleDir(), {QStringLiteral("*.air"), QStringLiteral("*.def")}, QDir::Files,
+                    QDirIterator::Subdirectories);
+    while (it.hasNext()) {
+        const QString path = it.next();
+        if (path.endsWith(QLatin1String(".air")) || ownActions.match(QString::fromLatin1(readAll(path))).hasMatch())
+            files << path;
+    }
+    files.sort();
+    QTemporaryDir dir;
+    int airs = 0;
+    int defs = 0;
+    for (const QString &path : std::as_const(files)) {
+        Run r;
+        const QJsonArray original = animationActions(path, &r);
+        QVERIFY2(!r.crashed && (r.code == 0 || r.code == 1), qPrintable(describe(r)));
+        const QString suffix = QFileInfo(path).suffix();
+        const QString once = dir.filePath(QStringLiteral("once.") + suffix);
+        const QString twice = dir.filePath(QStringLiteral("twice.") + suffix);
+        EXPECT_EXIT(runTool({QStringLiteral("animations"), QStringLiteral("convert"), path, once}), r.code);
+        QVERIFY2(animationActions(once) == original, qPrintable(path));
+        EXPECT_EXIT(runTool({QStringLiteral("animations"), QStringLiteral("convert"), once, twice}), 0);
+        QVERIFY2(readAll(twice) == readAll(once), qPrintable(path));
+        // A DEF's actions also make an AIR of their own.
+        if (suffix == QLatin1String("def")) {
+            const QString air = dir.filePath(QStringLiteral("actions.air"));
+            EXPECT_EXIT(runTool({QStringLiteral("animations"), QStringLiteral("convert"), path, air}), r.code);
+            QVERIFY2(animationActions(air) == original, qPrintable(path));
+        }
+        ++(suffix == QLatin1String("air") ? airs : defs);
+    }
+    QVERIFY(airs >= 3 && defs >= 9);
+    qInfo("%d AIR files and %d stage and storyboard DEFs: converted, read again, converted twice", airs, defs);
+
+    // The documented shape, on the engine's own character.
+    const QString kfm = TestSupport::samplePath(QStringLiteral("chars/kfm/kfm.air"));
+    Run r;
+    const QJsonArray actions = animationActions(kfm, &r);
+    EXPECT_EXIT(r, 0);
+    const QJsonObject doc = QJsonDocument::fromJson(r.out).object();
+    QCOMPARE(doc.keys(), (QStringList{"actions", "warnings"}));
+    QVERIFY(doc.value("warnings").toArray().isEmpty());
+    QCOMPARE(actions.size(), 117);
+    const QJsonObject stand = actions.first().toObject();
+    QCOMPARE(stand.keys(), (QStringList{"frames", "loopstart", "name", "number"}));
+    QCOMPARE(stand.value("name").toString(), QStringLiteral("Standing Animation"));
+    QVERIFY(stand.value("loopstart").isNull());
+    const QJsonObject first = stand.value("frames").toArray().first().toObject();
+    QCOMPARE(first.keys(), (QStringList{"angle", "clsn1", "clsn2", "flip", "group", "number", "time", "trans", "x",
+                                        "xscale", "y", "yscale"}));
+    QCOMPARE(QJsonDocument(first.value("clsn2").toArray()).toJson(QJsonDocument::Compact),
+             QByteArray("[[-13,0,16,-79],[5,-79,-7,-93]]"));
+    QVERIFY(first.value("xscale").isNull() && first.value("flip").toString().isEmpty());
+    // 1020: "Clsn1: 1" over a "Clsn2[0]" line is an attack box, as the engine reads it.
+    for (const QJsonValue &v : actions) {
+        if (v.toObject().value("number").toInt() == 1020) {
+            const QJsonArray frames = v.toObject().value("frames").toArray();
+            QCOMPARE(QJsonDocument(frames.at(5).toObject().value("clsn1").toArray()).toJson(QJsonDocument::Compact),
+                     QByteArray("[[66,-66,9,-44]]"));
+            QCOMPARE(frames.at(5).toObject().value("clsn2").toArray().size(), 4); // the default in force
+        }
+    }
+    // A character's DEF stands for its AIR, which it can't be converted in place of.
+    QCOMPARE(animationActions(TestSupport::samplePath(QStringLiteral("chars/kfm/kfm.def"))), actions);
+    r = runTool({QStringLiteral("animations"), QStringLiteral("convert"),
+                 TestSupport::samplePath(QStringLiteral("chars/kfm/kfm.def")), dir.filePath(QStringLiteral("x.air"))});
+    EXPECT_EXIT(r, 2);
+    QVERIFY(r.err.contains("convert that file"));
+
+    // Damage is reported with its line, never a crash; a failed write leaves the old file.
+    const QString bad = dir.filePath(QStringLiteral("bad.air"));
+    QByteArray damage("[Begin Action 1]\n1,2, 3,4\n");
+    damage.append('\0').append("\xff\xfe garbage\n");
+    QVERIFY(writeAll(bad, damage));
+    const QJsonArray damaged = animationActions(bad, &r);
+    EXPECT_EXIT(r, 1);
+    QCOMPARE(damaged.size(), 1);
+    QVERIFY2(r.err.contains("bad.air(2): The line has no time"), r.err.constData());
+    const QJsonObject warning = QJsonDocument::fromJson(r.out).object().value("warnings").toArray().first().toObject();
+    QCOMPARE(warning.keys(), (QStringList{"line", "text"}));
+    QVERIFY(writeAll(dir.filePath(QStringLiteral("keep.air")), "old"));
+    EXPECT_EXIT(runTool({QStringLiteral("animations"), QStringLiteral("convert"), bad,
+                         dir.filePath(QStringLiteral("missing/out.air"))}), 2);
+    EXPECT_EXIT(runTool({QStringLiteral("animations"), QStringLiteral("convert"), dir.filePath(QStringLiteral("none.air")),
+                         dir.filePath(QStringLiteral("keep.air"))}), 2);
+    QCOMPARE(readAll(dir.filePath(QStringLiteral("keep.air"))), QByteArray("old"));
+    EXPECT_EXIT(runTool({QStringLiteral("animations")}), 2);
+    EXPECT_EXIT(runTool({QStringLiteral("animations"), QStringLiteral("info"), QStringLiteral("--help")}), 0);
 }
 
 QTEST_GUILESS_MAIN(TestCli)

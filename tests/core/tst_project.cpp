@@ -357,8 +357,10 @@ private slots:
             return true;
         });
         QVERIFY(p.saveAs(out + QStringLiteral("/new.def"), true));
-        QCOMPARE(asked, (QList<QProjectFile>{QProjectFile::Commands, QProjectFile::States, QProjectFile::States}));
-        QVERIFY(checked.isEmpty()); // no sprites in this project, commands and states don't ask
+        QCOMPARE(asked, (QList<QProjectFile>{QProjectFile::Animations, QProjectFile::Commands, QProjectFile::States,
+                                             QProjectFile::States}));
+        // No sprites in this project; commands and states don't ask.
+        QCOMPARE(checked, QList<QProjectFile>{QProjectFile::Animations});
         QVERIFY(readAll(out + QStringLiteral("/new.def")).startsWith("\xEF\xBB\xBF; Hero\r\n"));
         QCOMPARE(p.definitions()->fileName(), out + QStringLiteral("/new.def"));
         QCOMPARE(p.commands()->fileName(), out + QStringLiteral("/new.cmd"));
