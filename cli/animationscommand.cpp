@@ -11,6 +11,7 @@
 #include "core/qproject.h"
 
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -51,6 +52,7 @@ struct Source
     QString file;        // the file the actions were read from (the AIR of a character's DEF)
     QString defText;     // a DEF that holds its actions itself, as read
     QByteArray defCodec;
+    bool defHadMark = false;
 
     Source() { store.setMessages(&messages); }
 };
@@ -94,6 +96,10 @@ bool read(const QString &path, Source *source, bool followDef)
         } else {
             source->defText = project.definitions()->text();
             source->defCodec = project.definitions()->encoding();
+            QFile file(path);
+            const QByteArray head = file.open(QIODevice::ReadOnly) ? file.read(3) : QByteArray();
+            source->defHadMark = head.startsWith("\xEF\xBB\xBF") || head.startsWith("\xFF\xFE")
+                                 || head.startsWith("\xFE\xFF");
             source->store.loadText(source->defText, info.fileName(), true);
             return true;
         }
@@ -282,15 +288,25 @@ ExitCode convert(const QStringList &words)
 
     QString error;
     if (!source.defText.isNull() && isDefinitions(output)) {
-        // A DEF stays a DEF: its actions in the program's layout, the rest as it was.
+        // A DEF stays a DEF: its actions in the program's layout, the rest as it
+        // was, in its encoding, with a byte-order mark only if it had one.
         QTextCodec *codec = QTextCodec::codecForName(source.defCodec);
         QString text = QDefAnimations::merge(source.defText, source.store.actions(), true);
         text.replace(QLatin1Char('\n'), QLatin1String("\r\n"));
-        if (!AtomicWrite::writeBytes(output, QTextEncoding::encode(text, codec), &error)) {
+        QByteArray bytes;
+        if (source.defHadMark || !codec) {
+            bytes = QTextEncoding::encode(text, codec);
+        } else {
+            QTextCodec::ConverterState state(QTextCodec::IgnoreHeader);
+            bytes = codec->fromUnicode(text.constData(), int(text.size()), &state);
+        }
+        if (!AtomicWrite::writeBytes(output, bytes, &error)) {
             Console::fail(error);
             return ExitCode::Failure;
         }
-    } else if (!source.store.save(output, false, true)) {
+    } else if (!source.store.save(output, true, true)) {
+        // UTF-8 whatever the input's code page: names are comments, which the
+        // engine never reads, and a second convert then gives the same bytes.
         Console::fail(QStringLiteral("cannot write '%1': %2")
                           .arg(QDir::toNativeSeparators(output), source.store.errorString()));
         return ExitCode::Failure;

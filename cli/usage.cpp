@@ -174,12 +174,12 @@ QString text(Topic topic)
             "\n"
             "Reads IN and writes its actions to OUT in the program's own layout: the\n"
             "Brawlforge header, each action between empty lines under a \"; name\" line,\n"
-            "CR LF line ends, a byte-order mark where the encoding has one. Actions,\n"
-            "frames and boxes stay exactly as read; comments and spacing don't.\n"
+            "CR LF line ends, UTF-8 with a byte-order mark. Actions, frames and boxes\n"
+            "stay exactly as read; comments and spacing don't.\n"
             "IN may be a stage's or a storyboard's DEF: with an OUT.def the DEF is\n"
-            "written back with only its action blocks rewritten, with any other name\n"
-            "its actions go to an AIR file. OUT is replaced only once it is completely\n"
-            "written.\n");
+            "written back in its own encoding with only its action blocks rewritten;\n"
+            "with any other name its actions go to an AIR file. OUT is replaced only\n"
+            "once it is completely written.\n");
         break;
     }
     return body + QLatin1String(exitCodes);

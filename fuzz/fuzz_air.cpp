@@ -17,13 +17,30 @@
 
 namespace {
 
+// Floats are written with six significant digits: compare them as written.
+float asWritten(float value)
+{
+    return AirFormat::number(value).toFloat();
+}
+
 bool sameActions(const QList<AnimAction *> &a, const QList<AnimAction *> &b)
 {
     if (a.size() != b.size())
         return false;
     for (qsizetype i = 0; i < a.size(); ++i) {
-        if (!a.at(i)->sameContent(*b.at(i)))
+        const AnimAction &x = *a.at(i);
+        const AnimAction &y = *b.at(i);
+        if (x.name != y.name || x.number != y.number || x.frames.size() != y.frames.size())
             return false;
+        for (qsizetype j = 0; j < x.frames.size(); ++j) {
+            AnimFrame f;
+            f.copyContent(*x.frames.at(j));
+            f.scaleX = asWritten(f.scaleX);
+            f.scaleY = asWritten(f.scaleY);
+            f.angle = asWritten(f.angle);
+            if (!f.sameContent(*y.frames.at(j)))
+                return false;
+        }
     }
     return true;
 }

@@ -50,6 +50,7 @@ void QAnimationParser::prepare(QString text)
     m_text = std::move(text);
     m_lastCodeLine = -1;
     m_beforeHeader = -1;
+    m_headerLine = -1;
     m_scanPos = 0;
     m_scanLine = 0;
     // The lexer ends at a NUL; a stray one in a damaged file would hide all
@@ -160,6 +161,7 @@ void QAnimationParser::moveToHeader()
             advance();
             if (isWord(QLatin1StringView("begin"))) {
                 m_beforeHeader = before;
+                m_headerLine = at;
                 advance();
                 return;
             }
@@ -251,7 +253,9 @@ void QAnimationParser::nameFromComment(AnimAction *action, int headerLine)
 AnimAction *QAnimationParser::parseAction()
 {
     AnimAction *a = AnimPool::takeAction();
-    const int header = line();
+    // The line of "[Begin": the token after it may already stand on the next.
+    const int header = m_headerLine >= 0 ? m_headerLine : line();
+    m_headerLine = -1;
     if (atEnd()) {
         a->headerLine = a->firstLine = header;
         report(true, header, tr("%1(%2): No action header found"));

@@ -21,7 +21,8 @@ class QAnimationParser : public QObject
 
 public:
     // In an AIR file anything outside an action is a slip worth a message; in
-    // a DEF the other sections stand between the actions.
+    // a DEF (and around an action edited as text) other text stands between
+    // the actions and is skipped.
     enum Source { AirText, DefinitionsText };
 
     // An action with the text lines it covers, for putting edited actions back
@@ -101,6 +102,7 @@ private:
     QString m_text;
     int m_lastCodeLine = -1;   // line of the last token consumed that was not a line end
     int m_beforeHeader = -1;   // last line of code before the current header
+    int m_headerLine = -1;     // line of the current header's "[Begin"
     int m_issues = 0;
     int m_actionEnd = -1;
     // Forward cursor over line starts, for reading the comments above a header.

@@ -434,7 +434,9 @@ bool QAnimations::updateFromText(int anim, const QString &text)
     if (m_messages)
         m_messages->addInfo(tr("Update animation %1 from text").arg(anim));
     emit updateStarted();
+    // Text around the action is skipped without a word, as in a DEF.
     QAnimationParser parser(m_messages, messageName());
+    parser.setSource(QAnimationParser::DefinitionsText);
     parser.setText(text);
     AnimAction *fresh = parser.parseAction();
     AnimAction *old = m_actions.at(anim);
