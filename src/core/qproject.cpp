@@ -584,7 +584,7 @@ bool QProject::fromFile(const QString &fileName, uint codepage, bool backup, boo
 
     const QString spr = existing(files.sprite);
     if (!spr.isEmpty())
-        loadSprites(spr, temporary);
+        loadSprites(spr, temporary, done, total);
     if (!step(++done, total))
         return finish();
 
@@ -950,7 +950,7 @@ void QProject::loadPalette(const QString &path, int number)
     m_sprites.modified = false;
 }
 
-bool QProject::loadSprites(const QString &path, bool temporary)
+bool QProject::loadSprites(const QString &path, bool temporary, uint position, uint total)
 {
     m_spritesError.clear();
     const int before = m_messages.rowCount();
@@ -958,6 +958,9 @@ bool QProject::loadSprites(const QString &path, bool temporary)
         return true;
     bool listed = false;
     const QString reason = spritesLoadFailure(path, before, &listed);
+    // A store that stopped without a word may have been stopped by the user.
+    if (!listed && m_spritesError.isEmpty() && !step(position, total))
+        return false;
     fail(path, tr("The sprites can't be read: %1").arg(reason), listed);
     return false;
 }

@@ -157,7 +157,7 @@ private:
 
     // The sprite slot, in one place.
     void loadPalette(const QString &path, int number);
-    bool loadSprites(const QString &path, bool temporary);
+    bool loadSprites(const QString &path, bool temporary, uint position, uint total);
     bool spritesEmpty() const;
     bool spritesModified() const;
     quint32 spritesVersion() const;
