@@ -502,14 +502,17 @@ bool QProject::saveText(QSyntaxTextEditor &doc, const QString &path, bool asUtf8
     return false;
 }
 
-bool QProject::writeAnimations(const QString &source, const QString &target)
+// The animation and sound stores keep nothing in memory yet: their slot is the
+// file the project was read from (`original`, empty if there is none), copied
+// as it is. A store that holds its content writes it here instead.
+bool QProject::writeAnimations(const QString &target, const QString &original)
 {
-    return copyFile(source, target);
+    return original.isEmpty() || copyFile(original, target);
 }
 
-bool QProject::writeSounds(const QString &source, const QString &target)
+bool QProject::writeSounds(const QString &target, const QString &original)
 {
-    return copyFile(source, target);
+    return original.isEmpty() || copyFile(original, target);
 }
 
 // ---------------------------------------------------------------- load
@@ -839,20 +842,20 @@ bool QProject::writeProject(const QString &folder, const QString &defName, CopyK
         }
     }
 
-    const QString sprites = files.sprite.isEmpty() ? QString() : targetIn(folder, files.sprite);
-    if (!sprites.isEmpty()) {
+    const QString spriteTarget = files.sprite.isEmpty() ? QString() : targetIn(folder, files.sprite);
+    if (!spriteTarget.isEmpty()) {
         if (spritesEmpty()) {
             // A store that holds nothing because nothing was read: the file stays part of the project.
             if (!spritesModified())
-                copyOver(files.sprite, sprites);
+                copyOver(files.sprite, spriteTarget);
         } else if (!real) {
-            prepare(sprites);
-            writeSprites(sprites, 0, true, kind == CopyKind::TestCopy);
+            prepare(spriteTarget);
+            writeSprites(spriteTarget, 0, true, kind == CopyKind::TestCopy);
         } else {
             const quint32 version = askSpritesVersion(spritesVersion());
             if (askCanSave(QProjectFile::Sprites, version)) {
-                prepare(sprites);
-                writeSprites(sprites, version, false);
+                prepare(spriteTarget);
+                writeSprites(spriteTarget, version, false);
             }
         }
     } else if (real && files.sprite.isEmpty()) {
@@ -866,17 +869,15 @@ bool QProject::writeProject(const QString &folder, const QString &defName, CopyK
 
     if (!files.animation.isEmpty()) {
         const QString target = targetIn(folder, files.animation);
-        const QString from = source(files.animation);
-        if (!target.isEmpty() && !from.isEmpty())
-            writeAnimations(from, target);
+        if (!target.isEmpty())
+            writeAnimations(target, source(files.animation));
     }
     if (!step(++done, total))
         return false;
     if (!files.sound.isEmpty()) {
         const QString target = targetIn(folder, files.sound);
-        const QString from = source(files.sound);
-        if (!target.isEmpty() && !from.isEmpty())
-            writeSounds(from, target);
+        if (!target.isEmpty())
+            writeSounds(target, source(files.sound));
     }
     if (!step(++done, total))
         return false;

@@ -150,10 +150,9 @@ private:
     bool copyOriginal(const QString &source, const QString &target, QString *error);
     bool copyFile(const QString &source, const QString &target);
     bool saveText(QSyntaxTextEditor &doc, const QString &path, bool asUtf8, bool asCopy);
-    // The animation and sound slots: their stores keep nothing to write yet,
-    // so the file the DEF names is copied as it is on disk.
-    bool writeAnimations(const QString &source, const QString &target);
-    bool writeSounds(const QString &source, const QString &target);
+    // The animation and sound slots, written to `target`.
+    bool writeAnimations(const QString &target, const QString &original);
+    bool writeSounds(const QString &target, const QString &original);
 
     // The sprite slot, in one place.
     void loadPalette(const QString &path, int number);

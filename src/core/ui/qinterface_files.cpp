@@ -262,7 +262,9 @@ void QInterface::reportFailures(const QString &title, const QString &intro, cons
         QLog::note(QStringLiteral("%1: %2").arg(title, line));
     // A box stays readable: the first files, then how many more.
     constexpr int Shown = 12;
-    QStringList lines = failures.mid(0, Shown);
+    QStringList lines;
+    for (const QString &line : failures.mid(0, Shown))
+        lines << QStringLiteral("\u2022 ") + line;
     if (failures.size() > Shown)
         lines << tr("... and %n more", nullptr, int(failures.size() - Shown));
     QAskUser::warning(m_window, title, intro + QStringLiteral("\n\n") + lines.join(QLatin1Char('\n')));
