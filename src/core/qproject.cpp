@@ -768,6 +768,23 @@ bool QProject::saveAs(const QString &fileName, bool asUtf8)
     return writeProject(info.absolutePath(), info.fileName(), CopyKind::SaveAs, asUtf8);
 }
 
+QStringList QProject::filesReplacedBySaveAs(const QString &fileName) const
+{
+    const QProjectDefFiles files = scanDef(m_definitions.fileName());
+    const QString root = QDir::cleanPath(QFileInfo(fileName).absolutePath());
+    QStringList names = files.palettes + files.states;
+    names << files.sprite << files.animation << files.sound << files.command;
+    QStringList replaced;
+    for (const QString &name : std::as_const(names)) {
+        const QString target = QDir::cleanPath(root + QLatin1Char('/') + normalized(name));
+        const QString own = files.folder.isEmpty() ? QString() : resolveFile(files.folder, name);
+        if (!name.isEmpty() && target.startsWith(root + QLatin1Char('/')) && QFileInfo(target).isFile()
+            && !sameFile(own, target) && !replaced.contains(target))
+            replaced << target;
+    }
+    return replaced;
+}
+
 // ---------------------------------------------------------------- copies
 
 bool QProject::toTemporary(const QString &folder, const QString &baseName)

@@ -82,6 +82,9 @@ public:
     // Writes the DEF under `fileName` and every file it names beside it, under
     // the names the DEF gives them, so that the new DEF opens as a whole.
     bool saveAs(const QString &fileName, bool asUtf8);
+    // Files a Save As under `fileName` would put beside it that exist already
+    // and are not this project's own: the Save As would replace them.
+    QStringList filesReplacedBySaveAs(const QString &fileName) const;
     bool toTemporary(const QString &folder, const QString &baseName);
     bool backup();
     // Every file the last load, save or copy could not read or write, one

@@ -402,6 +402,10 @@ private slots:
             ++versionQuestions;
             return QSprites::Version200;
         });
+        // Files of someone else's that it would replace are known beforehand.
+        writeAll(out + QStringLiteral("/hero.cns"), "[Statedef 0]");
+        QCOMPARE(p.filesReplacedBySaveAs(out + QStringLiteral("/renamed.def")), QStringList{out + QStringLiteral("/hero.cns")});
+        QVERIFY(p.filesReplacedBySaveAs(def).isEmpty());
         const TestSupport::ProjectState before = TestSupport::ProjectState::of(p);
         QVERIFY(p.saveAs(out + QStringLiteral("/renamed.def"), false));
         QVERIFY(p.failures().isEmpty());
@@ -422,6 +426,7 @@ private slots:
         QCOMPARE(p.sprites()->fileName, out + QStringLiteral("/hero.sff"));
         QCOMPARE(p.sprites()->version, QSprites::Version200);
         QVERIFY(!p.sprites()->isModified() && !p.commands()->isModified());
+        QVERIFY(p.filesReplacedBySaveAs(out + QStringLiteral("/renamed.def")).isEmpty());
 
         // The new DEF opens as a whole project with the same content.
         QProject again;

@@ -131,6 +131,18 @@ void QInterface::fileSaveAs()
     const QString name = saveFileName(QProjectFile::Definitions, project->path(QStringLiteral("proj_path")));
     if (name.isEmpty())
         return;
+    // The other files go beside the DEF under the names it gives them: say
+    // which files of someone else's they would replace.
+    const QStringList replaced = project->filesReplacedBySaveAs(name);
+    if (!replaced.isEmpty()) {
+        QStringList shown = replaced.mid(0, 12);
+        if (replaced.size() > shown.size())
+            shown << tr("... and %n more", nullptr, int(replaced.size() - shown.size()));
+        if (!QAskUser::question(m_window, tr("Save project"),
+                                tr("These files already exist and will be replaced:\n\n%1\n\nDo you want to go on?")
+                                    .arg(shown.join(QLatin1Char('\n')))))
+            return;
+    }
     const bool utf8 = QAskUser::question(
         m_window, tr("Save as UTF-8"),
         tr("You want to save the file as UTF-8? This ensures that all characters are saved in the same form in "
