@@ -389,6 +389,12 @@ bool QAnimations::saveCurrent()
     return save(m_path, false, false);
 }
 
+void QAnimations::setPath(const QString &path)
+{
+    m_path = path;
+    m_fileName = QFileInfo(path).fileName();
+}
+
 void QAnimations::clear()
 {
     replaceAll({});

@@ -80,6 +80,9 @@ public:
     bool load(const QString &path, int defaultCodepage = 0, bool keepPath = false);
     bool save(const QString &path, bool forceUtf8 = false, bool asCopy = false);
     bool saveCurrent();
+    // Binds the store to another file that holds the same text (a copy of its
+    // file made by the project's Save As).
+    void setPath(const QString &path);
     // The actions of a text already in memory: a DEF (stage, storyboard,
     // screen packs) or an AIR; `name` is the file name used in messages.
     void loadText(const QString &text, const QString &name, bool definitions);
