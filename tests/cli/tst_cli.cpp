@@ -882,6 +882,14 @@ void TestCli::animationsOverSample()
             QCOMPARE(frames.at(5).toObject().value("clsn2").toArray().size(), 4); // the default in force
         }
     }
+    // The project counts them too.
+    r = runTool({QStringLiteral("project"), QStringLiteral("info"),
+                 TestSupport::samplePath(QStringLiteral("chars/kfm/kfm.def")), QStringLiteral("--json")});
+    bool counted = false;
+    for (const QJsonValue &v : QJsonDocument::fromJson(r.out).object().value("slots").toArray())
+        counted = counted || (v.toObject().value("slot") == QLatin1String("animations")
+                              && v.toObject().value("count").toInt() == 117);
+    QVERIFY2(counted, r.out.constData());
     // A character's DEF stands for its AIR, which it can't be converted in place of.
     QCOMPARE(animationActions(TestSupport::samplePath(QStringLiteral("chars/kfm/kfm.def"))), actions);
     r = runTool({QStringLiteral("animations"), QStringLiteral("convert"),
