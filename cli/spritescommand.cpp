@@ -147,6 +147,19 @@ ExitCode convert(const QStringList &words)
                 misplaced << QStringLiteral("%1,%2").arg(s->info.group).arg(s->info.number);
         }
     });
+    // What the version can't hold is said before the file is written, and
+    // written all the same: the author asked for that version.
+    const QList<uint> changed = store.spritesChangedBy(version, isCharacter);
+    if (!changed.isEmpty()) {
+        QStringList names;
+        for (uint i : changed)
+            names << QStringLiteral("%1,%2").arg(store.item(int(i))->info.group).arg(store.item(int(i))->info.number);
+        Console::err(QStringLiteral("%1(0): %2 sprites will show other colours in version %3: %4\n")
+                         .arg(target.fileName())
+                         .arg(changed.size())
+                         .arg(SpriteFile::versionName(version), names.join(QStringLiteral("; "))));
+        ++issues;
+    }
     ProgressMeter meter(QStringLiteral("Saving %1").arg(target.fileName()));
     QObject::connect(&store, &QSprites::progress, &meter, &ProgressMeter::update);
     const bool saved = store.toFile(output, isCharacter, version, true, false);

@@ -52,8 +52,15 @@ public:
 
     // --- file (sfffile.cpp) --------------------------------------------------
     bool fromFile(const QString &path, bool isCharacter, bool keepName);
+    // Writes the file; the store, its cache and its undo stack stay as they
+    // are. A real save (not `temporary`: a test copy or a backup) then clears
+    // `modified` and takes the file's name and version.
     bool toFile(const QString &path, bool isCharacter, quint32 version, bool lzSearch,
                 bool temporary);
+    // Sprites that a save in `version` (0: the store's own) would show with
+    // other colours once read back: true colour reduced to 8 bits, colours
+    // that version 1.01 can't give them. Sorted; empty if none.
+    QList<uint> spritesChangedBy(quint32 version, bool isCharacter) const;
 
     bool isModified() const { return modified; }
     int count() const { return int(sprites.size()); }

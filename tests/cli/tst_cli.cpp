@@ -534,6 +534,19 @@ void TestCli::convertVersions()
     QCOMPARE(inplace.version, QSprites::Version200);
     QCOMPARE(inplace.count(), original.count());
 
+    // What a version can't hold is said before the file is written, and the
+    // file is written all the same.
+    const QString reduced = dir.filePath(QStringLiteral("num72.sff"));
+    const Run lossy = runTool({QStringLiteral("sprites"), QStringLiteral("convert"),
+                               TestSupport::samplePath(QStringLiteral("font/num72.sff")), reduced,
+                               QStringLiteral("--to"), QStringLiteral("1.01")});
+    EXPECT_EXIT(lossy, 1);
+    QVERIFY2(lossy.err.contains("num72.sff(0): 22 sprites will show other colours in version 1.01: 0,48; "),
+             qPrintable(lossy.err));
+    QSprites lossyBack;
+    QVERIFY(lossyBack.fromFile(reduced, false, true));
+    QCOMPARE(lossyBack.count(), 22);
+
     // Targets that can't be written: one line, exit 2, and nothing created.
     const QString plain = dir.filePath(QStringLiteral("plain"));
     QVERIFY(writeAll(plain, "keep"));

@@ -61,7 +61,6 @@ private slots:
     void unchangedSaveIsIdentical_data();
     void unchangedSaveIsIdentical();
     void dataOutsideItsBlock();
-    void duplicatesAfterASettledSave();
     void largeFileProgress();
     void itemPool();
 
@@ -108,7 +107,6 @@ void TestSffShared::unchangedSaveIsIdentical()
     const QString third = dir.filePath("third.sff");
     QVERIFY(loaded.toFile(third, false, 0, true, false));
     QCOMPARE(readAll(third), readAll(second));
-    // Again, with the duplicate search skipped for an unchanged cache.
     QVERIFY(loaded.toFile(third, false, 0, true, false));
     QCOMPARE(readAll(third), readAll(second));
     // The loaded sprites survive the file going away.
@@ -164,29 +162,6 @@ void TestSffShared::dataOutsideItsBlock()
     QSprites gone;
     QVERIFY(gone.fromFile(path, false, false));
     QCOMPARE(gone.count(), 3);
-}
-
-// A save that found nothing to fold skips the search next time, but only
-// while the pixels stay as they were.
-void TestSffShared::duplicatesAfterASettledSave()
-{
-    QSprites s;
-    for (int i = 0; i < 3; ++i) {
-        s.add();
-        s.changeImage(i, indexedImage(16, 16, i), 0, false, 0, 0);
-    }
-    const QString path = dir.filePath("fold.sff");
-    QVERIFY(s.toFile(path, false, Version201, true, false));
-    QVERIFY(s.toFile(path, false, Version201, true, false));
-    QVERIFY(s.item(2)->info.hasImage);
-    s.changeImage(2, indexedImage(16, 16, 0), 3, false, 0, 0);
-    // Stored raw, the new image differs from the packed first one until the
-    // save packs it; the next save then finds the pair.
-    QVERIFY(s.toFile(path, false, Version201, true, false));
-    QVERIFY(s.toFile(path, false, Version201, true, false));
-    QVERIFY(!s.item(2)->info.hasImage);
-    QCOMPARE(s.item(2)->info.link, quint16(0));
-    QCOMPARE(s.imageData(2), s.imageData(0));
 }
 
 // Thousands of sprites: progress comes in about a thousand steps, from the
