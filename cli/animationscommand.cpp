@@ -5,8 +5,9 @@
 #include "console.h"
 #include "animations/airformat.h"
 #include "animations/qanimations.h"
-#include "animations/qdefanimations.h"
+#include "core/qdefanimations.h"
 #include "code/qtextencoding.h"
+#include "core/qanimationsfile.h"
 #include "core/qmessages.h"
 #include "core/qproject.h"
 
@@ -104,9 +105,9 @@ bool read(const QString &path, Source *source, bool followDef)
             return true;
         }
     }
-    if (!source->store.load(source->file, 0)) {
-        Console::fail(QStringLiteral("'%1': %2").arg(QDir::toNativeSeparators(source->file),
-                                                      source->store.errorString()));
+    QString error;
+    if (!QAnimationsFile::load(source->store, source->file, 0, false, &error)) {
+        Console::fail(QStringLiteral("'%1': %2").arg(QDir::toNativeSeparators(source->file), error));
         return false;
     }
     return true;
@@ -304,11 +305,11 @@ ExitCode convert(const QStringList &words)
             Console::fail(error);
             return ExitCode::Failure;
         }
-    } else if (!source.store.save(output, true, true)) {
+    } else if (!QAnimationsFile::save(source.store, output, true, true, &error)) {
         // UTF-8 whatever the input's code page: names are comments, which the
         // engine never reads, and a second convert then gives the same bytes.
         Console::fail(QStringLiteral("cannot write '%1': %2")
-                          .arg(QDir::toNativeSeparators(output), source.store.errorString()));
+                          .arg(QDir::toNativeSeparators(output), error));
         return ExitCode::Failure;
     }
     return issues ? ExitCode::Issues : ExitCode::Ok;

@@ -6,7 +6,7 @@
 #include "animations/airformat.h"
 #include "animations/qanimationparser.h"
 #include "animations/qanimations.h"
-#include "animations/qdefanimations.h"
+#include "core/qdefanimations.h"
 #include "core/qmessages.h"
 
 #include <QByteArray>

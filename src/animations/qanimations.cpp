@@ -1,29 +1,13 @@
 #include "qanimations.h"
 
 #include "airformat.h"
-#include "code/qtextencoding.h"
 #include "core/qmessages.h"
 #include "qanimationparser.h"
 
 #include <QClipboard>
 #include <QDataStream>
-#include <QFile>
 #include <QFileInfo>
 #include <QGuiApplication>
-#include <QSaveFile>
-#include <QTextCodec>
-
-namespace {
-
-// Larger texts are not animation files: the engine would take minutes to read
-// them, and the text alone would take several times this in memory.
-constexpr qint64 MaxFileSize = 256 * 1024 * 1024;
-// The encoding is told from the first bytes: the detector takes about a second
-// per megabyte of damaged data, and an animation text shows its encoding in its
-// first comments and names.
-constexpr qsizetype DetectionBytes = 1024 * 1024;
-
-} // namespace
 
 QAnimations::QAnimations(QObject *parent)
     : QOrganizableObject(parent)
@@ -279,28 +263,8 @@ void QAnimations::replaceAll(const QList<AnimAction *> &actions)
     }
 }
 
-bool QAnimations::load(const QString &path, int defaultCodepage, bool keepPath)
+void QAnimations::loadFileText(QString text, const QString &path, const QByteArray &codecName, bool keepPath)
 {
-    QFile file(path);
-    if (!file.exists()) {
-        m_errorString = tr("The file does not exist");
-        return false;
-    }
-    if (!file.open(QIODevice::ReadOnly)) {
-        m_errorString = file.errorString();
-        return false;
-    }
-    if (file.size() > MaxFileSize) {
-        m_errorString = tr("The file is too large to be an animation file (%1 MB)").arg(file.size() >> 20);
-        return false;
-    }
-    QByteArray bytes = file.readAll();
-    if (file.error() != QFileDevice::NoError) {
-        m_errorString = file.errorString();
-        return false;
-    }
-    file.close();
-
     emit updateStarted();
     // A backup read back keeps the file the store belongs to.
     const QString keptName = m_fileName;
@@ -309,12 +273,8 @@ bool QAnimations::load(const QString &path, int defaultCodepage, bool keepPath)
     const QString name = QFileInfo(path).fileName();
     m_fileName = keepPath ? keptName : name;
     m_path = keepPath ? keptPath : path;
-    QTextCodec *codec = QTextEncoding::detectCodec(bytes.left(DetectionBytes), defaultCodepage);
-    QString text = QTextEncoding::decode(bytes, codec);
-    bytes = QByteArray();
-    if (codec)
-        m_codecName = codec->name();
-
+    if (!codecName.isEmpty())
+        m_codecName = codecName;
     QAnimationParser parser(m_messages, name);
     parser.setText(std::move(text));
     const QList<AnimAction *> actions = parser.parseAll();
@@ -322,7 +282,14 @@ bool QAnimations::load(const QString &path, int defaultCodepage, bool keepPath)
     emit changed();
     replaceAll(actions);
     emit updateFinished();
-    return true;
+}
+
+void QAnimations::fileSaved(const QString &path)
+{
+    m_fileName = QFileInfo(path).fileName();
+    m_path = path;
+    m_modified = false;
+    emit changed();
 }
 
 void QAnimations::loadText(const QString &text, const QString &name, bool definitions)
@@ -353,40 +320,6 @@ void QAnimations::reloadText(const QString &text, bool definitions)
 QString QAnimations::fileText() const
 {
     return AirFormat::fileText(m_actions);
-}
-
-bool QAnimations::save(const QString &path, bool forceUtf8, bool asCopy)
-{
-    QTextCodec *codec = QTextCodec::codecForName(forceUtf8 ? QByteArray("UTF-8") : m_codecName);
-    const QByteArray bytes = QTextEncoding::encode(fileText(), codec);
-    QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly)) {
-        m_errorString = file.errorString();
-        return false;
-    }
-    if (file.write(bytes) != bytes.size()) {
-        m_errorString = file.errorString();
-        file.cancelWriting();
-        return false;
-    }
-    if (!file.commit()) {
-        m_errorString = file.errorString();
-        return false;
-    }
-    if (!asCopy) {
-        m_fileName = QFileInfo(path).fileName();
-        m_path = path;
-        m_modified = false;
-        emit changed();
-    }
-    return true;
-}
-
-bool QAnimations::saveCurrent()
-{
-    if (m_path.isEmpty() || !QFileInfo::exists(m_path))
-        return false;
-    return save(m_path, false, false);
 }
 
 void QAnimations::setPath(const QString &path)

@@ -13,8 +13,9 @@ class QMessages;
 
 // The actions of one AIR file, one row an action. It reads and writes the AIR
 // text, single actions as text (the text view, the clipboard), and its image in
-// bug reports. Stages and storyboards keep their actions in the DEF: the store
-// then reads them from the DEF's text (see QDefAnimations). Every edit sets the
+// bug reports. Its file's bytes and encoding are the project's (QAnimationsFile);
+// stages and storyboards keep their actions in the DEF, which the project keeps
+// in step with the store (QDefAnimations). Every edit sets the
 // modified flag and emits changed(); there is no undo, the text view is the
 // history.
 class QAnimations : public QOrganizableObject, public QBugReportSection
@@ -40,8 +41,6 @@ public:
     QByteArray codecName() const { return m_codecName; }
     QMessages *messages() const { return m_messages; }
     void setMessages(QMessages *messages) { m_messages = messages; }
-    // Reason of the last failed load or save.
-    QString errorString() const { return m_errorString; }
 
     // Reading. Out-of-range indices give null, 0 or an empty value.
     const AnimAction *action(int anim) const;
@@ -73,13 +72,11 @@ public:
     // Tells the store that boxes changed through clsnList().
     void clsnChanged();
 
-    // Files. load() reads the whole file through the encoding detection,
-    // defaultCodepage being the fallback; keepPath keeps the stored path (a
-    // backup read back). save() writes through a temporary file; asCopy leaves
-    // the store as it was.
-    bool load(const QString &path, int defaultCodepage = 0, bool keepPath = false);
-    bool save(const QString &path, bool forceUtf8 = false, bool asCopy = false);
-    bool saveCurrent();
+    // The store's file. Bytes and encodings are the project's business (see
+    // QAnimationsFile): the store takes the decoded text of its file, with the
+    // encoding found, and hears when it was written.
+    void loadFileText(QString text, const QString &path, const QByteArray &codecName, bool keepPath = false);
+    void fileSaved(const QString &path);
     // Binds the store to another file that holds the same text (a copy of its
     // file made by the project's Save As).
     void setPath(const QString &path);
@@ -122,5 +119,4 @@ private:
     bool m_modified = false;
     QByteArray m_codecName = "UTF-8";
     QString m_path;
-    QString m_errorString;
 };

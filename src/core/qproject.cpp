@@ -1,6 +1,7 @@
 #include "qproject.h"
 
 #include "animations/airlexer.h"
+#include "core/qanimationsfile.h"
 #include "code/qsyntaxhierarchy.h"
 #include "code/qtextencoding.h"
 #include "sprites/qpalettefile.h"
@@ -523,9 +524,10 @@ bool QProject::writeAnimations(const QString &target, const QString &original, b
         return true;
     }
     QDir().mkpath(QFileInfo(target).absolutePath());
-    if (m_animations.save(target, asUtf8, !real))
+    QString error;
+    if (QAnimationsFile::save(m_animations, target, asUtf8, !real, &error))
         return true;
-    fail(target, tr("The animations can't be saved: %1").arg(m_animations.errorString()));
+    fail(target, tr("The animations can't be saved: %1").arg(error));
     return false;
 }
 
@@ -1093,8 +1095,9 @@ bool QProject::writePalette(const QRGBPal &colors, const QString &path)
 
 bool QProject::loadAnimations(const QString &path, uint codepage, bool temporary)
 {
-    if (m_animations.load(path, int(codepage), temporary))
+    QString error;
+    if (QAnimationsFile::load(m_animations, path, int(codepage), temporary, &error))
         return true;
-    fail(path, tr("The animations can't be read: %1").arg(m_animations.errorString()));
+    fail(path, tr("The animations can't be read: %1").arg(error));
     return false;
 }

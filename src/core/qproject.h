@@ -1,7 +1,7 @@
 #pragma once
 
 #include "animations/qanimations.h"
-#include "animations/qdefanimations.h"
+#include "core/qdefanimations.h"
 #include "code/qsyntaxtexteditor.h"
 #include "core/qmessages.h"
 #include "core/qprojectsettings.h"

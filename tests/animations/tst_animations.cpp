@@ -7,6 +7,7 @@
 #include "animations/airformat.h"
 #include "animations/qanimationparser.h"
 #include "animations/qanimations.h"
+#include "core/qanimationsfile.h"
 #include "core/qbugreport.h"
 #include "core/qmessages.h"
 #include "core/qproject.h"
@@ -242,11 +243,11 @@ private slots:
         QTemporaryDir dir;
         const QString once = dir.filePath(QStringLiteral("once.air"));
         const QString twice = dir.filePath(QStringLiteral("twice.air"));
-        QVERIFY(air.store.save(once, false, true));
+        QVERIFY(QAnimationsFile::save(air.store, once, false, true));
         QAnimations reread;
-        QVERIFY(reread.load(once));
+        QVERIFY(QAnimationsFile::load(reread, once));
         QVERIFY(sameActions(air.store, reread));
-        QVERIFY(reread.save(twice));
+        QVERIFY(QAnimationsFile::save(reread, twice));
         QCOMPARE(readAll(twice), readAll(once));
         QVERIFY(readAll(once).contains("Clsn2:0\r\n0,5, 0,0, 1\r\nLoopstart\r\n0,6, 0,0, 2\r\n"));
     }
@@ -262,7 +263,7 @@ private slots:
         QVERIFY(air.store.isModified());
 
         // A copy changes nothing in the store.
-        QVERIFY(air.store.save(path, false, true));
+        QVERIFY(QAnimationsFile::save(air.store, path, false, true));
         QVERIFY(air.store.isModified());
         QCOMPARE(air.store.path(), QString());
         const QByteArray expected = "\xEF\xBB\xBF"
@@ -287,19 +288,20 @@ private slots:
         QCOMPARE(readAll(path), expected);
 
         // A failed save leaves the store as it was.
-        QVERIFY(!air.store.save(dir.filePath(QStringLiteral("missing/walk.air"))));
-        QVERIFY(!air.store.errorString().isEmpty());
+        QString error;
+        QVERIFY(!QAnimationsFile::save(air.store, dir.filePath(QStringLiteral("missing/walk.air")), false, false, &error));
+        QVERIFY(!error.isEmpty());
         QVERIFY(air.store.isModified());
         QCOMPARE(air.store.path(), QString());
 
         // A real save clears the flag and takes the name; saveCurrent needs a file.
-        QVERIFY(air.store.save(path));
+        QVERIFY(QAnimationsFile::save(air.store, path));
         QVERIFY(!air.store.isModified());
         QCOMPARE(air.store.fileName(), QStringLiteral("walk.air"));
         QCOMPARE(readAll(path), expected);
-        QVERIFY(air.store.saveCurrent());
+        QVERIFY(QAnimationsFile::saveCurrent(air.store));
         QFile::remove(path);
-        QVERIFY(!air.store.saveCurrent());
+        QVERIFY(!QAnimationsFile::saveCurrent(air.store));
         QVERIFY(!QFileInfo::exists(path));
         QVERIFY(changed.count() >= 2);
     }
@@ -451,7 +453,7 @@ private slots:
         QCOMPARE(checked, QList<QProjectFile>{QProjectFile::Animations});
         QVERIFY(!hero.animations()->isModified());
         QAnimations saved;
-        QVERIFY(saved.load(air));
+        QVERIFY(QAnimationsFile::load(saved, air));
         QVERIFY(sameActions(saved, *hero.animations()));
 
         // A stage: the actions live in its DEF and stay in step with it.

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "animrecords.h"
+#include "animations/animrecords.h"
 
 #include <QList>
 #include <QObject>

@@ -1,9 +1,9 @@
 #include "qdefanimations.h"
 
-#include "airformat.h"
+#include "animations/airformat.h"
 #include "code/qsyntaxtexteditor.h"
-#include "qanimationparser.h"
-#include "qanimations.h"
+#include "animations/qanimationparser.h"
+#include "animations/qanimations.h"
 
 #include <QFileInfo>
 #include <QHash>
