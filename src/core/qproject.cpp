@@ -1,9 +1,9 @@
 #include "qproject.h"
 
 #include "animations/airlexer.h"
-#include "core/qanimationsfile.h"
 #include "code/qsyntaxhierarchy.h"
 #include "code/qtextencoding.h"
+#include "core/qanimationsfile.h"
 #include "sprites/qpalettefile.h"
 
 #include <QDateTime>
