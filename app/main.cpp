@@ -1,5 +1,5 @@
-#include "core/qxmlhelper.h"
-#include "core/ui/mainwindow.h"
+#include "base/qxmlhelper.h"
+#include "shell/mainwindow.h"
 
 #include <QApplication>
 #include <QMessageBox>

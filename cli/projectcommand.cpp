@@ -6,7 +6,7 @@
 #include "issuesjson.h"
 #include "progressmeter.h"
 #include "projectreport.h"
-#include "core/qproject.h"
+#include "project/qproject.h"
 
 #include <QFileInfo>
 #include <QJsonArray>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/qmessages.h"
+#include "base/qmessages.h"
 #include "sprites/qsprites.h"
 
 #include <QString>

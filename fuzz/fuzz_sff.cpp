@@ -1,7 +1,7 @@
 // Feeds arbitrary bytes to the sprite-file loader as a file, then looks at
 // every sprite it kept and writes the store out again, so that the readers,
 // the codecs behind them and the writer all see damaged input.
-#include "core/qmessages.h"
+#include "base/qmessages.h"
 #include "sprites/qbfcachefilter.h"
 #include "sprites/qsprites.h"
 

@@ -1,6 +1,6 @@
 #include "qscriptmanager.h"
 
-#include "core/qlifecyclelog.h"
+#include "base/qlifecyclelog.h"
 
 #include <QDir>
 #include <QFile>

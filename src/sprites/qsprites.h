@@ -6,7 +6,7 @@
 #include <QString>
 #include <QUndoStack>
 
-#include "core/qorganizableobject.h"
+#include "base/qorganizableobject.h"
 #include "sprites/qpaletteitem.h"
 #include "sprites/qpalettelist.h"
 #include "sprites/qpaletteobject.h"

@@ -1,6 +1,6 @@
 #include "sprites/sfffile.h"
 
-#include "core/qmessages.h"
+#include "base/qmessages.h"
 #include "sprites/qbfcachefilter.h"
 #include "sprites/qcolorquantizer.h"
 #include "sprites/qlz5cachefilter.h"

@@ -3,7 +3,7 @@
 // content and over damaged copies of it.
 #include "testsupport.h"
 
-#include "core/qmessages.h"
+#include "base/qmessages.h"
 #include "sprites/qsprites.h"
 
 #include <QCoreApplication>

@@ -1,6 +1,6 @@
 // Hand-built sprite files exercising the rules of the loader and the writer
 // one by one.
-#include "core/qmessages.h"
+#include "base/qmessages.h"
 #include "sprites/qbfcachefilter.h"
 #include "sprites/qpcxcachefilter.h"
 #include "sprites/qsprites.h"

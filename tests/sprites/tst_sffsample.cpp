@@ -1,6 +1,6 @@
 // Every sprite file of the engine's sample content: loads, survives a save in
 // its own version unchanged, and keeps its pixels across the other versions.
-#include "core/qmessages.h"
+#include "base/qmessages.h"
 #include "sprites/qbfcachefilter.h"
 #include "sprites/qsprites.h"
 #include "testsupport.h"

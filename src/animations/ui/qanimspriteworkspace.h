@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/ui/qinterfaceworkspace.h"
+#include "shell/qinterfaceworkspace.h"
 
 // The stage shared by the sprites, animations and sounds editors.
 class QAnimSpriteWorkspace : public QInterfaceWorkspace

@@ -1,0 +1,162 @@
+#pragma once
+
+#include "animations/qanimations.h"
+#include "code/qsyntaxtexteditor.h"
+#include "base/qmessages.h"
+#include "project/qprojectsettings.h"
+#include "sounds/qsounds.h"
+#include "sprites/qsprites.h"
+
+#include <QHash>
+#include <QList>
+#include <QMap>
+#include <QObject>
+#include <QString>
+#include <QStringList>
+
+// What a project is; a mask, so that editors can say which kinds they serve.
+enum class QProjectType : int { Character = 1, Storyboard = 2, Stage = 4, Font = 8 };
+
+// The slots of a project. The numbers index the file filters and the save
+// switches, so they never change.
+enum class QProjectFile : int { Definitions = 0, Sprites = 1, Animations = 2, Commands = 3, States = 4, Sounds = 5 };
+
+// The file names a DEF refers to, as written in it (relative to `folder`).
+struct QProjectDefFiles
+{
+    QStringList palettes;
+    QStringList states;
+    QString folder; // absolute folder of the DEF
+    QString sprite;
+    QString animation;
+    QString sound;
+    QString command;
+    // DEF line (0-based) that named each file, for messages.
+    QHash<QString, int> lines;
+};
+
+// One open M.U.G.E.N. item (character, stage, storyboard or font), defined by
+// its DEF and owning everything the DEF refers to. It follows its DEF for type,
+// engine version and local coordinates, and drives load, save, backup and the
+// test copy. Questions to the user go out through signals with results.
+class QProject : public QObject
+{
+    Q_OBJECT
+
+public:
+    static constexpr quint32 DefaultVersion = 0x01010000;
+
+    explicit QProject(const QProjectSettings &settings = QProjectSettings(), QObject *parent = nullptr);
+    ~QProject() override;
+
+    QProjectType type() const { return m_type; }
+    quint32 version() const { return m_version; }
+    int localWidth() const { return m_localWidth; }
+    int localHeight() const { return m_localHeight; }
+    // Display name from the DEF ([Info] name), empty when it has none.
+    QString name() const;
+
+    QSyntaxTextEditor *definitions() { return &m_definitions; }
+    QSyntaxTextEditor *commands() { return &m_commands; }
+    QSprites *sprites() { return &m_sprites; }
+    QAnimations *animations() { return &m_animations; }
+    QSounds *sounds() { return &m_sounds; }
+    QMessages *messages() { return &m_messages; }
+
+    int statesCount() const { return int(m_states.size()); }
+    QSyntaxTextEditor *state(int index) const { return m_states.value(index); }
+    // A new empty state document at the end of the list, owned by the project.
+    QSyntaxTextEditor *addState();
+    // Deletes the document; false when out of range.
+    bool removeState(int index);
+
+    // File names of the last DEF scan: what the DEF names, found or not.
+    const QProjectDefFiles &defFiles() const { return m_defFiles; }
+
+    bool fromFile(const QString &fileName, uint codepage, bool backup, bool temporary);
+    bool toFile();
+    bool saveAs(const QString &fileName, bool asUtf8);
+    bool toTemporary(const QString &folder, const QString &baseName);
+    bool backup();
+    // Saves one slot under a name asked through saveFileName(); `state` picks
+    // the state document. False when the slot is empty, refused or not written.
+    bool saveFile(QProjectFile kind, bool asUtf8, int state = 0);
+    // Folder of the last backup written or taken on load, empty if none.
+    QString lastBackupFolder() const { return m_lastBackup; }
+
+    void setPath(const QString &key, const QString &value);
+    QString path(const QString &key) const;
+    QMap<QString, QString> paths() const { return m_paths; }
+
+    QProjectDefFiles scanDef(const QString &fileName) const;
+
+    // Engine version from a [Info] mugenversion value; 0 (Beta) when unreadable.
+    static quint32 parseVersion(const QString &value);
+    // Width and height from a localcoord value; false (and 320 x 240) when unreadable.
+    static bool parseLocalCoord(const QString &value, int *width, int *height);
+    static QString versionText(quint32 version);
+    static QString typeName(QProjectType type);
+    static QString fileFilter(QProjectFile kind);
+    // A file named by a DEF, resolved against the DEF's folder. Back slashes
+    // count as separators, and when the exact name is missing a name that
+    // differs only in letter case is taken, as the engine's own system would.
+    static QString resolveFile(const QString &folder, const QString &name);
+
+signals:
+    QString saveFileName(QProjectFile kind, const QString &folder);
+    quint32 spritesVersionToSave(quint32 version);
+    bool canSave(QProject *project, QProjectFile kind, quint32 version);
+    void typeChanged(QProject *project);
+    void versionChanged(QProject *project);
+    void nameChanged(QProject *project, const QString &name);
+    void progress(uint position, uint total, bool &goOn);
+
+public slots:
+    void defChanged();
+
+private:
+    bool isCharacter() const { return m_type == QProjectType::Character; }
+    bool step(uint position, uint total);
+    QString place(const QString &file, int line = 0) const;
+    QString askFileName(QProjectFile kind, const QString &remembered);
+    bool askCanSave(QProjectFile kind, quint32 version);
+    quint32 askSpritesVersion(quint32 version);
+    QString makeBackupFolder(const QString &defFile);
+    void copyToBackup(const QString &source, const QString &name);
+    void reportBadBytes(const QSyntaxTextEditor &doc);
+    bool writeCopy(const QString &folder, const QString &defName);
+    QString targetIn(const QString &folder, const QString &name);
+    bool copyOriginal(const QString &source, const QString &target);
+    bool saveText(QSyntaxTextEditor &doc, const QString &path, bool asUtf8, bool asCopy);
+
+    // The sprite slot, in one place.
+    void loadPalette(const QString &path, int number);
+    bool loadSprites(const QString &path, bool temporary);
+    bool spritesEmpty() const;
+    bool spritesModified() const;
+    quint32 spritesVersion() const;
+    QString spritesFile() const;
+    bool writeSprites(const QString &path, quint32 version, bool temporary);
+    const QRGBPal *palette(int number) const;
+    bool writePalette(const QRGBPal &colors, const QString &path);
+
+    QList<QSyntaxTextEditor *> m_states;
+    QMap<QString, QString> m_paths;
+    QMessages m_messages;
+    QSyntaxTextEditor m_definitions;
+    QSprites m_sprites;
+    QAnimations m_animations;
+    QSyntaxTextEditor m_commands;
+    QSounds m_sounds;
+    QProjectType m_type = QProjectType::Character;
+    quint32 m_version = DefaultVersion;
+    int m_localWidth = 320;
+    int m_localHeight = 240;
+
+    QProjectSettings m_settings;
+    QProjectDefFiles m_defFiles;
+    // Number in palette group 1 of each palette file read, by its DEF name.
+    QHash<QString, int> m_paletteNumbers;
+    QString m_backup;     // backup folder of the load under way
+    QString m_lastBackup;
+};

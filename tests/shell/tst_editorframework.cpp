@@ -1,0 +1,520 @@
+#include <QtTest>
+
+#include "shell/qaction2.h"
+#include "shell/qappobjects.h"
+#include "shell/qcolorsetmanager.h"
+#include "shell/qiconsetmanager.h"
+#include "base/qlifecyclelog.h"
+#include "project/qproject.h"
+#include "base/qxmlhelper.h"
+#include "shell/mainwindow.h"
+#include "shell/qinterface.h"
+#include "shell/qinterfacecontrolaction.h"
+#include "shell/qinterfacecontrolwidget.h"
+#include "shell/qinterfacecontrolwidget2.h"
+#include "shell/qinterfaceeditor.h"
+#include "shell/qinterfaceextraeditor.h"
+#include "shell/qinterfaceworkspace.h"
+#include "shell/qpanelwidget.h"
+#include "shell/qpresetmanager.h"
+#include "shell/qstylesheetmanager.h"
+
+#include <QActionGroup>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDoubleSpinBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListView>
+#include <QScrollBar>
+#include <QSpinBox>
+#include <QStringListModel>
+#include <QTemporaryDir>
+#include <QToolBar>
+#include <QToolButton>
+#include <QTreeView>
+
+namespace {
+// An editor that counts what the controller does to it.
+class CountingEditor : public QInterfaceEditor
+{
+    Q_OBJECT
+public:
+    int undos = 0, finds = 0, reloads = 0, refreshes = 0, deactivations = 0;
+    int id() const override { return 7; }
+    QString name() const override { return "editor_counting"; }
+    QString tag() const override { return "counting"; }
+    int layoutFlags() const override { return 7; }
+    int workspaceId() const override { return 1; }
+    int projectTypes() const override { return 2; }
+    int captionId() const override { return 43; }
+    void activate(bool reload) override
+    {
+        (reload ? reloads : refreshes)++;
+        QInterfaceEditor::activate(reload);
+    }
+    void deactivate() override
+    {
+        ++deactivations;
+        QInterfaceEditor::deactivate();
+    }
+public slots:
+    void clear() override {}
+    void open() override {}
+    void save() override {}
+    void saveAs() override {}
+    void undo() override { ++undos; }
+    void redo() override {}
+    void cut() override {}
+    void copy() override {}
+    void paste() override {}
+    void find(const QString &, const QQuickFindOptions &) override { ++finds; }
+    void replace(const QString &, const QString &, const QQuickFindOptions &, bool) override {}
+};
+
+class PaletteStandIn : public QWidget
+{
+    Q_OBJECT
+signals:
+    void changed();
+};
+
+class Owner : public QObject
+{
+    Q_OBJECT
+public:
+    int changes = 0;
+public slots:
+    void onChanged() { ++changes; }
+    void onValue(int) { ++changes; }
+signals:
+    void setValue(int);
+};
+} // namespace
+
+class TestEditorFramework : public QObject
+{
+    Q_OBJECT
+
+    QTemporaryDir m_presets;
+    QString m_config;
+    MainWindow *m_window = nullptr;
+    QStringList m_xmlFailures;
+
+    QInterface *ui() const { return Bf::mainInterface; }
+    void writePreset(const QString &name, const QByteArray &body)
+    {
+        QFile f(m_presets.filePath(name + ".xml"));
+        QVERIFY(f.open(QIODevice::WriteOnly));
+        f.write(body);
+    }
+    bool applyTest(const QString &name, QPresetManager &pm)
+    {
+        return pm.apply(ui(), name, QString(), QString(), QString());
+    }
+
+private slots:
+    void initTestCase()
+    {
+        m_config = QCoreApplication::applicationDirPath() + "/config.xml";
+        QFile::remove(m_config);
+        QXmlHelper::setFailureHandler([this](const QString &m) { m_xmlFailures << m; });
+        MainWindow::setCloseQuestion([](QWidget *) { return true; });
+        m_window = new MainWindow;
+    }
+    void init() { m_xmlFailures.clear(); }
+    void cleanupTestCase()
+    {
+        delete m_window;
+        QFile::remove(m_config);
+    }
+
+    void registrationTable()
+    {
+        struct Row { int id; const char *name, *tag; int flags, ws, types, caption; };
+        const Row rows[] = {{0, "editor_def", "definitions", 3, 0, 15, 64},
+                            {1, "editor_sff", "sprites", 7, 1, 15, 69},
+                            {2, "editor_air", "animations", 7, 1, 7, 136},
+                            {3, "editor_cmd", "commands", 3, 0, 1, 195},
+                            {4, "editor_st", "states", 11, 0, 1, 200},
+                            {5, "editor_snd", "sounds", 7, 1, 1, 213},
+                            {6, "ref_docs", "docs", 0, 2, 15, 39}};
+        QList<QAction *> groupActions = ui()->editorGroup()->actions();
+        QCOMPARE(groupActions.size(), 7);
+        QVERIFY(ui()->editorGroup()->isExclusive());
+        for (const Row &r : rows) {
+            QInterfaceEditor *e = ui()->editor(r.id);
+            QVERIFY2(e, r.name);
+            QCOMPARE(e->name(), QString(r.name));
+            QCOMPARE(e->tag(), QString(r.tag));
+            QCOMPARE(e->layoutFlags(), r.flags);
+            QCOMPARE(e->workspaceId(), r.ws);
+            QCOMPARE(e->projectTypes(), r.types);
+            QCOMPARE(e->captionId(), r.caption);
+            QVERIFY(e->canClose(nullptr));
+            QAction *a = ui()->editorAction(r.id);
+            QCOMPARE(a, groupActions.at(r.id)); // button order is registration order
+            QCOMPARE(a->objectName(), QString::number(r.id));
+            QVERIFY(a->isCheckable());
+            QCOMPARE(static_cast<QAction *>(ui()->actionManager().action(r.name)), a);
+            QVERIFY(ui()->editorPanel(r.tag));
+            QVERIFY(ui()->toolbarEntries().contains(r.tag));
+        }
+        QCOMPARE(ui()->actionManager().action("editor_sff")->text(), QStringLiteral("Sprites"));
+        const char *workspaces[] = {"text", "animsprites", "browser"};
+        for (int i = 0; i < 3; ++i) {
+            QCOMPARE(ui()->workspace(i)->name(), QString(workspaces[i]));
+            QVERIFY(ui()->workspace(i)->widget());
+        }
+        struct Extra { const char *name; int caption; };
+        const Extra extras[] = {{"organizer", 235}, {"palettes", 114}, {"thumbnails", 243}};
+        for (int i = 0; i < 3; ++i) {
+            QInterfaceExtraEditor *x = ui()->extraEditor(i);
+            QCOMPARE(x->name(), QString(extras[i].name));
+            QCOMPARE(x->captionId(), extras[i].caption);
+            QVERIFY(!x->widget());
+            QVERIFY(ui()->extraPanel(extras[i].name));
+        }
+        QVERIFY(!ui()->editor(8));
+    }
+
+    void switchingAndRefresh()
+    {
+        auto owned = std::make_unique<CountingEditor>();
+        CountingEditor *c = owned.get();
+        ui()->addEditor(std::move(owned));
+        QVERIFY(ui()->editorPanel("counting"));
+
+        // Switching to the current id again only refreshes: one connection.
+        ui()->editorSwitch(7);
+        ui()->editorSwitch(7);
+        ui()->editorAction(7)->trigger();
+        QCOMPARE(ui()->currentEditorId(), 7);
+        QCOMPARE(c->reloads, 3);
+        emit ui()->editUndo();
+        emit ui()->editFind("x", {});
+        QCOMPARE(c->undos, 1);
+        QCOMPARE(c->finds, 1);
+        QVERIFY(c->isActive());
+        QCOMPARE(ui()->currentWorkspaceId(), 1);
+        QVERIFY(ui()->workspace(1)->isActive());
+        QVERIFY(!ui()->workspace(0)->isActive());
+
+        // A new project refreshes every editor; the current one gets a real
+        // activation at the end and still hears each command once.
+        c->reloads = c->refreshes = c->deactivations = 0;
+        ui()->setCurrentProject(nullptr);
+        QCOMPARE(c->refreshes, 1);
+        QCOMPARE(c->reloads, 1);
+        QCOMPARE(c->deactivations, 2);
+        emit ui()->editUndo();
+        QCOMPARE(c->undos, 2);
+
+        // Away from it: cut off and deactivated.
+        ui()->editorSwitch(0);
+        QVERIFY(!c->isActive());
+        QVERIFY(ui()->editorAction(0)->isChecked());
+        emit ui()->editUndo();
+        QCOMPARE(c->undos, 2);
+        QCOMPARE(ui()->currentWorkspaceId(), 0);
+        QVERIFY(!ui()->workspace(1)->isActive());
+
+        // Panels follow the flags; the right one needs an extra editor.
+        ui()->setExtraEditor(1);
+        ui()->editorSwitch(1);
+        QVERIFY(!ui()->leftPanel()->isHidden());
+        QVERIFY(!ui()->rightPanel()->isHidden());
+        QCOMPARE(ui()->rightPanel()->title(), QStringLiteral("Palettes"));
+        QCOMPARE(ui()->leftPanel()->title(), QStringLiteral("Sprites"));
+        ui()->editorSwitch(0);
+        QVERIFY(!ui()->leftPanel()->isHidden());
+        QVERIFY(ui()->rightPanel()->isHidden());
+        ui()->editorSwitch(1);
+        QVERIFY(!ui()->rightPanel()->isHidden()); // survives a detour
+        ui()->editorSwitch(6);
+        QVERIFY(ui()->leftPanel()->isHidden());
+        QCOMPARE(ui()->currentWorkspaceId(), 2);
+
+        // No editor: toolbars empty, panels hidden, no extra editor.
+        ui()->editorSwitch(8);
+        QCOMPARE(ui()->currentEditorId(), 8);
+        QVERIFY(ui()->mainToolBar()->actions().isEmpty());
+        QVERIFY(ui()->leftPanel()->isHidden());
+        QCOMPARE(ui()->currentExtraEditorId(), 3);
+        emit ui()->editUndo(); // goes nowhere, harmlessly
+        ui()->setExtraEditor(0);
+        ui()->editorSwitch(0);
+    }
+
+    void projectTypeVisibility()
+    {
+        ui()->editorSwitch(2);
+        ui()->applyProjectType(8); // Font
+        QList<int> visible;
+        for (int id = 0; id <= 7; ++id) {
+            if (ui()->editorAction(id) && ui()->editorAction(id)->isVisible())
+                visible << id;
+        }
+        QCOMPARE(visible, (QList<int>{0, 1, 6}));
+        QCOMPARE(ui()->currentEditorId(), 0);
+
+        ui()->editorSwitch(1);
+        ui()->applyProjectType(2); // Storyboard: the counting editor serves it
+        QCOMPARE(ui()->currentEditorId(), 1);
+        QVERIFY(ui()->editorAction(7)->isVisible());
+        QVERIFY(!ui()->editorAction(3)->isVisible());
+        ui()->applyProjectType(1);
+        QVERIFY(ui()->editorAction(3)->isVisible());
+        QVERIFY(!ui()->editorAction(7)->isVisible());
+        ui()->editorSwitch(0);
+
+        // Only the current project's type counts.
+        ui()->applyProjectType(8);
+        QProject other;
+        ui()->projTypeChanged(&other);
+        QVERIFY(!ui()->editorAction(3)->isVisible());
+        QProject *current = ui()->projects().first();
+        ui()->setCurrentProject(current);
+        ui()->projTypeChanged(current); // a new project is a character
+        QVERIFY(ui()->editorAction(3)->isVisible());
+        QCOMPARE(ui()->editor(3)->project(), current);
+        QVERIFY(ui()->canCloseProject(current));
+    }
+
+    void presetPlacement()
+    {
+        QVERIFY(m_presets.isValid());
+        QPresetManager pm(m_presets.path());
+        pm.setDpiOverride(192); // everything doubles
+        writePreset("Twice", R"(<!DOCTYPE ORVPresetML>
+<preset panel-metric="150,4,20" extra-metric="bad">
+  <toolbar name="main" iconsize="12"><button name="edit_undo"/><separator/><button name="nope"/><button name="edit_redo"/></toolbar>
+  <toolbar name="newbar"/>
+  <unknown/>
+  <panel name="sprites">
+    <control name="edit_undo" position="10,20" size="30,25" flat="true" icon="8"/>
+    <control name="edit_undo" position="x,1"/>
+    <control name="no_such_control" position="1,1"/>
+    <control name="spin2" position="5,5" size="40,20"/>
+    <control name="spin2" position="5,50" size="bad"/>
+    <control name="spin2" position="5,90"/>
+  </panel>
+  <panel name="organizer" parent="extra"><control name="edit_redo" position="1,2"/></panel>
+  <panel name="missing"><control name="edit_cut"/></panel>
+</preset>)");
+        pm.refresh();
+        QVERIFY(pm.count() >= 1);
+        const QTranslationUnit &tu = ui()->actionManager().translation();
+        auto spin = std::make_unique<QInterfaceControlWidget2>(5, -1, nullptr, nullptr, nullptr,
+                                                               nullptr, tu);
+        QInterfaceControlWidget2 *spin2 = spin.get();
+        ui()->addControl("spin2", std::move(spin));
+
+        QVERIFY(applyTest("Twice", pm));
+        QCOMPARE(pm.scale(), 2);
+        QCOMPARE(ui()->leftPanel()->minimumWidth(), 300);
+        QCOMPARE(ui()->leftPanel()->titleTop(), 8);
+        QCOMPARE(ui()->leftPanel()->titleHeight(), 40);
+        // A bad metric leaves the right panel as it was.
+        QCOMPARE(ui()->rightPanel()->minimumWidth(), 220);
+
+        const QToolBarEntry main = ui()->toolbarEntries().value("main");
+        QCOMPARE(main.iconSize, 24);
+        QCOMPARE(main.actions.size(), 3); // unknown key skipped
+        QVERIFY(!main.actions.at(1));
+        QVERIFY(ui()->toolbarEntries().contains("newbar"));
+
+        // One control placed twice: two buttons that enable together.
+        auto *undo = static_cast<QInterfaceControlAction *>(ui()->control("edit_undo"));
+        const QList<QToolButton *> buttons = undo->buttons();
+        QCOMPARE(buttons.size(), 2);
+        QCOMPARE(buttons.at(0)->geometry(), QRect(20, 40, 60, 50));
+        QVERIFY(buttons.at(0)->autoRaise());
+        QCOMPARE(buttons.at(0)->iconSize(), QSize(16, 16));
+        QCOMPARE(buttons.at(1)->pos(), QPoint(0, 0)); // bad position: 0,0
+        QCOMPARE(buttons.at(0)->parentWidget(), ui()->editorPanel("sprites"));
+        ui()->setControlEnabled("edit_undo", false);
+        QVERIFY(!buttons.at(0)->isEnabled() && !buttons.at(1)->isEnabled());
+        ui()->setControlEnabled("edit_undo", true);
+        QVERIFY(buttons.at(0)->isEnabled() && buttons.at(1)->isEnabled());
+
+        // The two-widget control: each placement takes one widget, a third has none.
+        QCOMPARE(spin2->widget(0)->size(), QSize(80, 40));
+        QCOMPARE(spin2->widget(0)->minimumSize(), spin2->widget(0)->maximumSize());
+        QCOMPARE(spin2->widget(1)->pos(), QPoint(10, 100));
+        QVERIFY(!spin2->widget(1)->isHidden());
+        ui()->setControlEnabled("spin2", false);
+        QVERIFY(!spin2->widget(0)->isEnabled() && !spin2->widget(1)->isEnabled());
+        ui()->setControlEnabled("spin2", true);
+
+        auto *redo = static_cast<QInterfaceControlAction *>(ui()->control("edit_redo"));
+        QCOMPARE(redo->buttons().size(), 1);
+        QCOMPARE(redo->buttons().at(0)->parentWidget(), ui()->extraPanel("organizer"));
+
+        // The real toolbar is filled from the entries at the next switch.
+        ui()->editorSwitch(0);
+        QCOMPARE(ui()->mainToolBar()->actions().size(), 3);
+        QCOMPARE(ui()->mainToolBar()->iconSize(), QSize(24, 24));
+
+        // A missing preset or a wrong root: nothing stays.
+        writePreset("WrongRoot", "<!DOCTYPE ORVPresetML><shortcuts><toolbar name=\"main\"><button name=\"edit_undo\"/></toolbar></shortcuts>");
+        for (const char *name : {"Absent", "WrongRoot"}) {
+            QVERIFY(!applyTest(name, pm));
+            QVERIFY(undo->buttons().isEmpty());
+            QVERIFY(redo->buttons().isEmpty());
+            QVERIFY(spin2->widget(0)->isHidden());
+            for (const QToolBarEntry &e : ui()->toolbarEntries())
+                QVERIFY(e.actions.isEmpty());
+            ui()->editorSwitch(0);
+            QVERIFY(ui()->mainToolBar()->actions().isEmpty());
+        }
+        // A broken preset is reported, and leaves nothing either.
+        writePreset("Broken", "<preset><toolbar name=\"main\">");
+        m_xmlFailures.clear();
+        QVERIFY(!applyTest("Broken", pm));
+        QCOMPARE(m_xmlFailures.size(), 1);
+
+        // Absent attributes take their defaults: panel 220,0,30 at any metric
+        // left before, icon size 24, "Classic" appearance.
+        writePreset("Bare", "<preset><toolbar name=\"main\"><button name=\"edit_undo\"/></toolbar></preset>");
+        pm.setDpiOverride(96);
+        QVERIFY(applyTest("Bare", pm));
+        QCOMPARE(ui()->leftPanel()->minimumWidth(), 220);
+        QCOMPARE(ui()->leftPanel()->titleHeight(), 30);
+        QCOMPARE(ui()->toolbarEntries().value("main").iconSize, 24);
+        QCOMPARE(Bf::iconsets->current(), QStringLiteral("Classic"));
+        QCOMPARE(Bf::colorsets->current(), QStringLiteral("Classic"));
+        pm.setDpiOverride(40); // a low density never shrinks to nothing
+        QVERIFY(applyTest("Bare", pm));
+        QCOMPARE(pm.scale(), 1);
+    }
+
+    void shippedClassicPreset()
+    {
+        // The preset that ships lays out every editor's toolbar and the
+        // editor buttons; every key in it is a real action.
+        QMap<QString, QToolBarEntry> &entries = ui()->toolbarEntries();
+        Bf::presets->setDpiOverride(96);
+        QVERIFY(Bf::presets->apply(ui(), "Classic", QString(), QString(), QString()));
+        for (const char *tag : {"main", "extra", "definitions", "sprites", "animations", "commands",
+                                "states", "sounds", "docs"})
+            QVERIFY2(entries.contains(tag), tag);
+        QStringList extra;
+        for (const QPointer<QAction> &a : entries.value("extra").actions) {
+            if (a)
+                extra << static_cast<QAction2 *>(a.data())->key();
+        }
+        QCOMPARE(extra, (QStringList{"editor_def", "editor_sff", "editor_air", "editor_cmd",
+                                     "editor_st", "editor_snd", "ref_docs"}));
+        QFile f(QCoreApplication::applicationDirPath() + "/presets/Classic.xml");
+        QVERIFY(f.open(QIODevice::ReadOnly));
+        const QString text = QString::fromUtf8(f.readAll());
+        static const QRegularExpression key("<(?:button|control) name=\"([a-z_]+)\"");
+        for (auto it = key.globalMatch(text); it.hasNext();) {
+            const QString k = it.next().captured(1);
+            QVERIFY2(ui()->actionManager().action(k), qPrintable(k));
+        }
+        QVERIFY(m_xmlFailures.isEmpty());
+    }
+
+    void controlTypes()
+    {
+        const QTranslationUnit &tu = ui()->actionManager().translation();
+        Owner owner;
+        QStringListModel model({"a", "b"});
+        QInterfaceControlOptions combo;
+        combo.captions = {0, 1, 2, -1, 3};
+        QInterfaceControlOptions dbl;
+        dbl.minimum = -2;
+        dbl.maximum = 3;
+        dbl.step = 0.25;
+        QInterfaceControlOptions list;
+        list.model = &model;
+
+        auto widgetOf = [&](int type, const QInterfaceControlOptions *o, int caption = -1,
+                            QWidget *custom = nullptr) {
+            return std::make_unique<QInterfaceControlWidget>(type, caption, o, &owner,
+                                                             SLOT(onChanged()), nullptr, tu, custom);
+        };
+        auto button = widgetOf(1, nullptr, 5);
+        QCOMPARE(qobject_cast<QToolButton *>(button->widget())->text(), QStringLiteral("Save"));
+        qobject_cast<QToolButton *>(button->widget())->click();
+        QCOMPARE(owner.changes, 1);
+        QVERIFY(qobject_cast<QLabel *>(widgetOf(2, nullptr, 91)->widget()));
+        auto bar = widgetOf(3, nullptr);
+        QCOMPARE(bar->widget()->focusPolicy(), Qt::WheelFocus);
+        QVERIFY(qobject_cast<QLineEdit *>(widgetOf(4, nullptr)->widget()));
+        auto spin = widgetOf(5, nullptr);
+        QCOMPARE(qobject_cast<QSpinBox *>(spin->widget())->minimum(), -99999);
+        QCOMPARE(qobject_cast<QSpinBox *>(spin->widget())->maximum(), 99999);
+        auto dspin = widgetOf(6, &dbl);
+        auto *ds = qobject_cast<QDoubleSpinBox *>(dspin->widget());
+        QCOMPARE(ds->decimals(), 4);
+        QCOMPARE(ds->minimum(), -2.0);
+        QCOMPARE(ds->singleStep(), 0.25);
+        QVERIFY(qobject_cast<QCheckBox *>(widgetOf(7, nullptr, 31)->widget()));
+        auto cb = widgetOf(8, &combo);
+        QCOMPARE(qobject_cast<QComboBox *>(cb->widget())->count(), 3);
+        QCOMPARE(qobject_cast<QComboBox *>(cb->widget())->itemText(2), QStringLiteral("Close"));
+        QVERIFY(qobject_cast<QComboBox *>(widgetOf(9, nullptr)->widget()));
+        auto lv = widgetOf(10, &list);
+        QCOMPARE(qobject_cast<QListView *>(lv->widget())->model(), &model);
+        QVERIFY(qobject_cast<QTreeView *>(widgetOf(11, nullptr)->widget()));
+        auto *pal = new PaletteStandIn;
+        auto palette = widgetOf(12, nullptr, -1, pal);
+        QCOMPARE(palette->widget(), pal);
+        const int before = owner.changes;
+        emit pal->changed();
+        QCOMPARE(owner.changes, before + 1);
+        auto line = widgetOf(13, nullptr);
+        QCOMPARE(qobject_cast<QFrame *>(line->widget())->frameShape(), QFrame::HLine);
+        QVERIFY(!widgetOf(12, nullptr)->widget()); // no palette widget given
+        QVERIFY(!widgetOf(99, nullptr)->widget());
+
+        // The owner's signal drives the widget; a placed widget keeps its size.
+        QInterfaceControlWidget driven(5, -1, nullptr, &owner, SLOT(onValue(int)),
+                                       SIGNAL(setValue(int)), tu);
+        emit owner.setValue(42);
+        QCOMPARE(qobject_cast<QSpinBox *>(driven.widget())->value(), 42);
+        QWidget page;
+        QWidget *w = driven.create(&page, "value", 3, 4, -1, -1, tu);
+        QCOMPARE(w->objectName(), QStringLiteral("value"));
+        QCOMPARE(w->minimumSize(), w->sizeHint());
+        driven.clear();
+        QVERIFY(!w->parentWidget()); // kept for the next preset, off the panel
+    }
+
+    void panelAndAppearance()
+    {
+        QPanelWidget panel;
+        QCOMPARE(panel.contentsMargins(), QMargins(2, 30, 2, 2));
+        QCOMPARE(panel.titleTop(), 0);
+        panel.setTitle("Sprites");
+        panel.setTitleMetrics(0, 30);
+        panel.resize(220, 100);
+        QVERIFY(!panel.grab().isNull());
+
+        QCOMPARE(QStylesheetManager::prepare("a{margin:[10]px;}", "Blue"), QStringLiteral("a{margin:10px;}"));
+        QCOMPARE(QStylesheetManager::prepare("[3]x", "Blue"), QStringLiteral("x"));
+        QCOMPARE(QStylesheetManager::prepare("b{image:url(a.png)} c{image:url(b.png)}", "Blue"),
+                 QStringLiteral("b{image:url(styles/Blue/a.png)} c{image:url(styles/Blue/b.png)}"));
+
+        QTemporaryDir dir;
+        QFile custom(dir.filePath("Custom.xml"));
+        QVERIFY(custom.open(QIODevice::WriteOnly));
+        custom.write("<!DOCTYPE ORVColorsML><colors><color name=\"line\" value=\"1,2,3\"/>"
+                     "<color name=\"comment\" value=\"1,2\" bold=\"true\"/></colors>");
+        custom.close();
+        QColorsetManager colors(dir.path());
+        QCOMPARE(colors.count(), 0); // Custom isn't listed
+        QVERIFY(colors.load("Custom"));
+        QCOMPARE(colors.color("line").color, QColor(1, 2, 3));
+        QVERIFY(!colors.colors().contains("comment")); // out of pattern
+        QCOMPARE(colors.rowCount(), 1);
+        QCOMPARE(colors.data(colors.index(0), Qt::ForegroundRole).value<QColor>(), QColor(Qt::white));
+        QCOMPARE(QColorsetManager::contrast(QColor(255, 255, 200)), QColor(Qt::black));
+    }
+};
+
+QTEST_MAIN(TestEditorFramework)
+#include "tst_editorframework.moc"
