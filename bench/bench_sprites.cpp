@@ -113,11 +113,9 @@ int main(int argc, char **argv)
 {
     QCoreApplication app(argc, argv);
     QBFCacheFilter::createFilters();
-    QSpriteCache::createUndoCache();
     benchmark::Initialize(&argc, argv);
     benchmark::RunSpecifiedBenchmarks();
     benchmark::Shutdown();
-    QSpriteCache::destroyUndoCache();
     QBFCacheFilter::destroyFilters();
     return 0;
 }

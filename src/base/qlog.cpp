@@ -45,17 +45,6 @@ QLog::~QLog()
     }
 }
 
-QString QLog::defaultPath()
-{
-    return QDir(QCoreApplication::applicationDirPath()).filePath(QStringLiteral("log.txt"));
-}
-
-QLog &QLog::process()
-{
-    static QLog log(defaultPath());
-    return log;
-}
-
 void QLog::setEnabled(bool on)
 {
     QMutexLocker locker(&m_lock);

@@ -5,8 +5,9 @@
 
 class QMessages;
 
-// The process log, <application dir>/log.txt: start and stop, projects loaded
-// and saved, the issue lists they produced, and the library's own warnings.
+// The process log, log.txt in the program's state folder (see QAppPaths):
+// start and stop, projects loaded and saved, the issue lists they produced,
+// and the library's own warnings.
 // It is what a bug-report package carries. Lines end in CR LF and begin with a
 // time stamp; the file is kept below a size limit by dropping its oldest half.
 // Safe to call from loader threads.
@@ -15,10 +16,6 @@ class QLog
 public:
     explicit QLog(const QString &path, qint64 maxBytes = 1024 * 1024);
     ~QLog();
-
-    // The log of this process beside the executable; created on first use.
-    static QLog &process();
-    static QString defaultPath();
 
     QString path() const { return m_path; }
     qint64 maxBytes() const { return m_maxBytes; }

@@ -25,6 +25,42 @@ QMugenModel::~QMugenModel()
     QLifecycleLog::record(QStringLiteral("-QMugenModel"));
 }
 
+bool QMugenModel::toFlag(const QVariant &value, bool fallback)
+{
+    if (value.typeId() == QMetaType::Bool)
+        return value.toBool();
+    const QString s = value.toString().trimmed().toLower();
+    if (s == QLatin1String("true") || s == QLatin1String("yes") || s == QLatin1String("on"))
+        return true;
+    if (s == QLatin1String("false") || s == QLatin1String("no") || s == QLatin1String("off"))
+        return false;
+    bool isNumber = false;
+    const int n = s.toInt(&isNumber);
+    return isNumber ? n != 0 : fallback;
+}
+
+bool QMugenModel::flag(const QString &key, bool fallback) const
+{
+    const auto it = map.constFind(key);
+    return it == map.constEnd() ? fallback : toFlag(it.value(), fallback);
+}
+
+int QMugenModel::number(const QString &key, int fallback) const
+{
+    const auto it = map.constFind(key);
+    if (it == map.constEnd())
+        return fallback;
+    bool ok = false;
+    const int n = it.value().toString().trimmed().toInt(&ok);
+    return ok ? n : fallback;
+}
+
+QString QMugenModel::text(const QString &key, const QString &fallback) const
+{
+    const auto it = map.constFind(key);
+    return it == map.constEnd() || it.value().isNull() ? fallback : it.value().toString();
+}
+
 int QMugenModel::rowCount(const QModelIndex &parent) const
 {
     return parent.isValid() ? 0 : int(engines.size());

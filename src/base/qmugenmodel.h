@@ -7,8 +7,9 @@
 #include <QVariant>
 
 // The application's settings and, at the same time, the list of configured
-// engines. The map is read and written directly by key; values loaded from a
-// file are always strings, so consumers convert at the point of use.
+// engines. Values loaded from a file are always strings, values set in code
+// are typed: the typed reads below take both alike, and are the one place
+// where a setting's text becomes a number or a switch.
 class QMugenModel : public QAbstractListModel
 {
     Q_OBJECT
@@ -41,7 +42,17 @@ public:
     bool load(const QString &fileName);
     bool save(const QString &fileName);
 
-    // Convenience for the many consumers: same as map[key].
+    // Typed reads; a key that is missing, or has no value, gives the fallback.
+    bool flag(const QString &key, bool fallback = false) const;
+    int number(const QString &key, int fallback = 0) const;
+    QString text(const QString &key, const QString &fallback = QString()) const;
+    void set(const QString &key, const QVariant &value) { map[key] = value; }
+
+    // "true", "yes", "on" or a number other than 0 are on; "false", "no",
+    // "off" and 0 are off (letter case aside); anything else, the fallback.
+    static bool toFlag(const QVariant &value, bool fallback = false);
+
+    // The entry itself: reading a key that has none creates it, empty.
     QVariant &operator[](const QString &key) { return map[key]; }
 
     QList<Engine> engines;

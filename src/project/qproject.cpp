@@ -44,6 +44,7 @@ QProject::QProject(const QProjectSettings &settings, QObject *parent)
         doc->setEngineVersion(DefaultVersion);
     }
     m_animations.setMessages(&m_messages);
+    m_sprites.setUndoCache(settings.undoCache);
     m_sprites.messages = &m_messages;
     connect(&m_definitions, &QSyntaxTextEditor::hierarchyUpdated, this, &QProject::defChanged);
 }
@@ -176,6 +177,29 @@ QString QProject::resolveFile(const QString &folder, const QString &name)
 }
 
 // ---------------------------------------------------------------- DEF scan
+
+QString QProject::definitionFor(const QString &file)
+{
+    const QFileInfo info(file);
+    const QString target = info.canonicalFilePath();
+    if (target.isEmpty())
+        return QString();
+    const QFileInfoList defs =
+        info.absoluteDir().entryInfoList({QStringLiteral("*.def")}, QDir::Files, QDir::Name | QDir::IgnoreCase);
+    for (const QFileInfo &def : defs) {
+        QProject probe;
+        if (!probe.m_definitions.loadFile(def.absoluteFilePath(), 0))
+            continue;
+        const QProjectDefFiles files = probe.scanDef(def.absoluteFilePath());
+        QStringList named = files.palettes + files.states;
+        named << files.sprite << files.animation << files.sound << files.command;
+        for (const QString &name : std::as_const(named)) {
+            if (!name.isEmpty() && QFileInfo(resolveFile(files.folder, name)).canonicalFilePath() == target)
+                return def.absoluteFilePath();
+        }
+    }
+    return QString();
+}
 
 QProjectDefFiles QProject::scanDef(const QString &fileName) const
 {

@@ -101,6 +101,9 @@ public:
     // count as separators, and when the exact name is missing a name that
     // differs only in letter case is taken, as the engine's own system would.
     static QString resolveFile(const QString &folder, const QString &name);
+    // The DEF in the folder of `file` that names it (the first by file name),
+    // or an empty string: how a sprite or sound file finds its project.
+    static QString definitionFor(const QString &file);
 
 signals:
     QString saveFileName(QProjectFile kind, const QString &folder);

@@ -1,10 +1,13 @@
 #pragma once
 
+#include "base/qmugenmodel.h"
+
 #include <QMap>
 #include <QString>
-#include <QVariant>
 
 #include <functional>
+
+class QSpriteCache;
 
 // What a project takes from the configuration. The interface fills it from the
 // configuration store, so the project model never reaches for process-wide
@@ -20,6 +23,8 @@ struct QProjectSettings
     QMap<QString, QString> paths;
     // Called by QProject::setPath() so that the configuration learns the folder too.
     std::function<void(const QString &key, const QString &value)> storePath;
+    // The process-wide cache of undo images; a project without one keeps its own.
+    QSpriteCache *undoCache = nullptr;
 
     static QStringList pathKeys()
     {
@@ -27,16 +32,14 @@ struct QProjectSettings
                 QStringLiteral("pal_path"), QStringLiteral("gif_path")};
     }
 
-    // From a configuration map, whose values read from file are strings.
-    static QProjectSettings fromMap(const QMap<QString, QVariant> &map)
+    static QProjectSettings fromConfig(const QMugenModel &config)
     {
         QProjectSettings s;
-        s.cacheType = map.value(QStringLiteral("cache_type")).toString().toInt();
-        // "true" from the file and true set in code both mean on.
-        s.cacheCompression = map.value(QStringLiteral("cache_compression")).toBool() ? 1 : 0;
+        s.cacheType = config.number(QStringLiteral("cache_type"));
+        s.cacheCompression = config.flag(QStringLiteral("cache_compression")) ? 1 : 0;
         for (const QString &key : pathKeys())
-            if (map.contains(key))
-                s.paths.insert(key, map.value(key).toString());
+            if (config.map.contains(key))
+                s.paths.insert(key, config.text(key));
         return s;
     }
 };

@@ -2,151 +2,47 @@
 
 #include "ui_mainwindow.h"
 
-#include "animations/ui/qanimationseditor.h"
-#include "animations/ui/qanimspriteworkspace.h"
-#include "code/qsctrlmanager.h"
-#include "code/syntaxformats.h"
-#include "code/ui/qcommandseditor.h"
-#include "code/ui/qdefinitionseditor.h"
-#include "code/ui/qstateseditor.h"
-#include "code/ui/qtextworkspace.h"
-#include "shell/qappobjects.h"
-#include "shell/qcolorsetmanager.h"
-#include "base/qfilewatchermanager.h"
-#include "shell/qiconsetmanager.h"
-#include "shell/qlanguagemanager.h"
-#include "base/qlifecyclelog.h"
 #include "base/qmugenmodel.h"
 #include "qinterface.h"
-#include "qpresetmanager.h"
-#include "docs/ui/qreferencedocseditor.h"
-#include "qstylesheetmanager.h"
-#include "docs/ui/qwebbrowserworkspace.h"
-#include "scripting/qscriptmanager.h"
 #include "scripting/qsnippetmanager.h"
-#include "sounds/ui/qsoundseditor.h"
-#include "sprites/qbfcachefilter.h"
-#include "sprites/qspritecache.h"
-#include "sprites/ui/qorganizereditor.h"
-#include "sprites/ui/qpaletteseditor.h"
-#include "sprites/ui/qspriteseditor.h"
-#include "sprites/ui/qthumbnailseditor.h"
 
-#include <QApplication>
 #include <QCloseEvent>
 #include <QMessageBox>
-
-namespace {
-MainWindow::CloseQuestion &closeQuestion()
-{
-    static MainWindow::CloseQuestion question;
-    return question;
-}
-
-QString dataPath(const char *suffix)
-{
-    return QCoreApplication::applicationDirPath() + QLatin1String(suffix);
-}
-} // namespace
 
 MainWindow::MainWindow(QWidget *parent)
     : QMainWindow(parent)
     , ui(new Ui::MainWindow)
 {
     ui->setupUi(this);
-    QCoreApplication::addLibraryPath(QCoreApplication::applicationDirPath());
-    QLifecycleLog::record(QStringLiteral("+MainWindow"));
-
-    // TODO(syntax): the two syntax definitions are created first, once their
-    // classes have landed.
-    QBFCacheFilter::createFilters();
-    QSpriteCache::createUndoCache();
-    QLifecycleLog::record(QStringLiteral("+cache filters"));
-    Bf::iconsets = new QIconsetManager(dataPath("/iconsets"));
-    Bf::stylesheets = new QStylesheetManager(dataPath("/styles"));
-    Bf::colorsets = new QColorsetManager(dataPath("/colorsets"));
-    Bf::syntaxFormats = new SyntaxFormats;
-    Bf::config = new QMugenModel;
-    Bf::config->load(dataPath("/config.xml"));
-    QLifecycleLog::record(QStringLiteral("config.xml read"));
-    Bf::presets = new QPresetManager(dataPath("/presets"));
-    Bf::languages = new QLanguageManager(dataPath("/languages"), QCoreApplication::instance());
-    connect(Bf::languages, &QLanguageManager::langChanged, this, &MainWindow::retranslate);
-    Bf::sctrls = new QSCtrlManager(dataPath("/sctrls"));
-    Bf::scripts = new QScriptManager(dataPath("/scripts"));
-    Bf::snippets = new QSnippetManager(dataPath("/snippets"));
-    Bf::fileWatcher = new QFileWatcherManager;
-    Bf::mainInterface = new QInterface(this, ui->dockWidget, ui->actList);
-
-    registerEditors();
-    Bf::mainInterface->init();
-}
-
-void MainWindow::registerEditors()
-{
-    QInterface *i = Bf::mainInterface;
-    i->addWorkspace(std::make_unique<QTextWorkspace>());
-    i->addWorkspace(std::make_unique<QAnimSpriteWorkspace>());
-    i->addWorkspace(std::make_unique<QWebBrowserWorkspace>());
-    i->addEditor(std::make_unique<QDefinitionsEditor>());
-    i->addEditor(std::make_unique<QSpritesEditor>());
-    i->addEditor(std::make_unique<QAnimationsEditor>());
-    i->addEditor(std::make_unique<QCommandsEditor>());
-    i->addEditor(std::make_unique<QStatesEditor>());
-    i->addEditor(std::make_unique<QSoundsEditor>());
-    i->addEditor(std::make_unique<QReferenceDocsEditor>());
-    i->addExtraEditor(std::make_unique<QOrganizerEditor>());
-    i->addExtraEditor(std::make_unique<QPalettesEditor>());
-    i->addExtraEditor(std::make_unique<QThumbnailsEditor>());
 }
 
 MainWindow::~MainWindow()
 {
-    QLifecycleLog::record(QStringLiteral("~MainWindow"));
-    delete Bf::mainInterface;
-    // A failed write is silent: there is no one left to tell.
-    if (Bf::config->save(dataPath("/config.xml")))
-        QLifecycleLog::record(QStringLiteral("config.xml written"));
-    delete Bf::fileWatcher;
-    Bf::fileWatcher = nullptr;
-    delete Bf::scripts;
-    Bf::scripts = nullptr;
-    delete Bf::sctrls;
-    Bf::sctrls = nullptr;
-    delete Bf::languages;
-    Bf::languages = nullptr;
-    delete Bf::presets;
-    Bf::presets = nullptr;
-    delete Bf::config;
-    Bf::config = nullptr;
-    delete Bf::syntaxFormats;
-    Bf::syntaxFormats = nullptr;
-    delete Bf::colorsets;
-    Bf::colorsets = nullptr;
-    delete Bf::stylesheets;
-    Bf::stylesheets = nullptr;
-    delete Bf::iconsets;
-    Bf::iconsets = nullptr;
-    // The snippet list stays until the process ends: scripts may still name it.
-
-    QBFCacheFilter::destroyFilters();
-    QSpriteCache::destroyUndoCache();
-    QSpriteCache::purge();
-    QLifecycleLog::record(QStringLiteral("-cache filters"));
     delete ui;
-    QLifecycleLog::record(QStringLiteral("-MainWindow"));
 }
 
-void MainWindow::setCloseQuestion(CloseQuestion question)
+QDockWidget *MainWindow::actionDock() const
 {
-    closeQuestion() = std::move(question);
+    return ui->dockWidget;
 }
 
-bool MainWindow::askClose(QWidget *parent)
+QListView *MainWindow::actionList() const
 {
-    if (closeQuestion())
-        return closeQuestion()(parent);
-    return QMessageBox::question(parent, tr("Close"), tr("Do you really want to close Brawlforge?"),
+    return ui->actList;
+}
+
+void MainWindow::setController(QInterface *controller, QMugenModel *config, QSnippetManager *snippets)
+{
+    m_controller = controller;
+    m_config = config;
+    m_snippets = snippets;
+}
+
+bool MainWindow::askClose()
+{
+    if (m_closeQuestion)
+        return m_closeQuestion(this);
+    return QMessageBox::question(this, tr("Close"), tr("Do you really want to close Brawlforge?"),
                                  QMessageBox::Yes | QMessageBox::No, QMessageBox::No)
            == QMessageBox::Yes;
 }
@@ -154,14 +50,11 @@ bool MainWindow::askClose(QWidget *parent)
 void MainWindow::closeEvent(QCloseEvent *event)
 {
     // Open projects are not asked about here: the one question is the guard.
-    if (!(*Bf::config)[QStringLiteral("confirm_close")].toBool()) {
-        QMainWindow::closeEvent(event);
+    if (m_config && m_config->flag(QStringLiteral("confirm_close")) && !askClose()) {
+        event->ignore();
         return;
     }
-    if (askClose(this))
-        QMainWindow::closeEvent(event);
-    else
-        event->ignore();
+    QMainWindow::closeEvent(event);
 }
 
 void MainWindow::changeEvent(QEvent *event)
@@ -174,8 +67,8 @@ void MainWindow::changeEvent(QEvent *event)
 void MainWindow::retranslate()
 {
     ui->retranslateUi(this);
-    if (Bf::mainInterface)
-        Bf::mainInterface->retranslate();
-    if (Bf::snippets)
-        Bf::snippets->refresh();
+    if (m_controller)
+        m_controller->retranslate();
+    if (m_snippets)
+        m_snippets->refresh();
 }

@@ -4,13 +4,19 @@
 
 #include <functional>
 
+class QDockWidget;
+class QInterface;
+class QListView;
+class QMugenModel;
+class QSnippetManager;
+
 namespace Ui {
 class MainWindow;
 }
 
-// The one window of the program. Its constructor brings every process-wide
-// object into being in a fixed order, and its destructor takes them down in
-// the order that lets the controller save the window's state first.
+// The one window of the program: its form (menus, the action-list dock) and
+// the close question. What fills it is made by the composition root, which
+// also hands it the controller that lays it out.
 class MainWindow : public QMainWindow
 {
     Q_OBJECT
@@ -19,10 +25,16 @@ public:
     explicit MainWindow(QWidget *parent = nullptr);
     ~MainWindow() override;
 
+    QDockWidget *actionDock() const;
+    QListView *actionList() const;
+    // What the window needs while it runs; all null before the controller
+    // dies, so that a late event finds nothing to call.
+    void setController(QInterface *controller, QMugenModel *config, QSnippetManager *snippets);
+
     // The question asked before closing; tests answer it themselves.
     using CloseQuestion = std::function<bool(QWidget *parent)>;
-    static void setCloseQuestion(CloseQuestion question);
-    static bool askClose(QWidget *parent);
+    void setCloseQuestion(CloseQuestion question) { m_closeQuestion = std::move(question); }
+    bool askClose();
 
 public slots:
     void retranslate();
@@ -32,7 +44,9 @@ protected:
     void changeEvent(QEvent *event) override;
 
 private:
-    void registerEditors();
-
     Ui::MainWindow *ui;
+    QInterface *m_controller = nullptr;
+    QMugenModel *m_config = nullptr;
+    QSnippetManager *m_snippets = nullptr;
+    CloseQuestion m_closeQuestion;
 };

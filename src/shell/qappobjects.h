@@ -1,32 +1,40 @@
 #pragma once
 
-// The process-wide objects, set once by the main window as it starts and
-// valid until its destructor; code reaches them directly, in the order of
-// creation below.
-class SyntaxFormats;
-class QIconsetManager;
-class QStylesheetManager;
+class QAppPaths;
 class QColorsetManager;
+class QFileWatcherManager;
+class QIconsetManager;
+class QLanguageManager;
+class QLog;
 class QMugenModel;
 class QPresetManager;
-class QLanguageManager;
 class QSCtrlManager;
 class QScriptManager;
 class QSnippetManager;
-class QFileWatcherManager;
-class QInterface;
+class QSpriteCache;
+class QStylesheetManager;
+class SyntaxFormats;
 
-namespace Bf {
-extern QIconsetManager *iconsets;
-extern QStylesheetManager *stylesheets;
-extern QColorsetManager *colorsets;
-extern SyntaxFormats *syntaxFormats;
-extern QMugenModel *config;
-extern QPresetManager *presets;
-extern QLanguageManager *languages;
-extern QSCtrlManager *sctrls;
-extern QScriptManager *scripts;
-extern QSnippetManager *snippets;
-extern QFileWatcherManager *fileWatcher;
-extern QInterface *mainInterface;
-} // namespace Bf
+// The process-wide objects, as the composition root (app/) hands them to the
+// window, the controller and the editors. The root creates and owns them all;
+// they stay valid from before the controller exists until after it is gone.
+// Nothing else holds them: there is no global way to reach them.
+struct QAppObjects
+{
+    const QAppPaths *paths = nullptr;
+    QIconsetManager *iconsets = nullptr;
+    QStylesheetManager *stylesheets = nullptr;
+    QColorsetManager *colorsets = nullptr;
+    SyntaxFormats *syntaxFormats = nullptr;
+    QMugenModel *config = nullptr;
+    QPresetManager *presets = nullptr;
+    QLanguageManager *languages = nullptr;
+    QSCtrlManager *sctrls = nullptr;
+    QScriptManager *scripts = nullptr;
+    QSnippetManager *snippets = nullptr;
+    QFileWatcherManager *fileWatcher = nullptr;
+    QLog *log = nullptr;
+    // Where the undo commands of every project's sprites keep the images they
+    // can bring back: one temporary file for the whole program.
+    QSpriteCache *undoCache = nullptr;
+};

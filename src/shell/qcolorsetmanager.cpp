@@ -1,9 +1,9 @@
 #include "qcolorsetmanager.h"
 
 #include "base/qlifecyclelog.h"
+#include "base/qmugenmodel.h"
 #include "base/qxmlhelper.h"
 
-#include <QDir>
 #include <QDomDocument>
 #include <QFileInfo>
 #include <QRegularExpression>
@@ -54,11 +54,12 @@ QColor QColorsetManager::contrast(const QColor &c)
                                                                       : QColor(Qt::black);
 }
 
-QColorsetManager::QColorsetManager(const QString &folder, QObject *parent)
+QColorsetManager::QColorsetManager(const QStringList &folders, QObject *parent)
     : QAbstractListModel(parent)
-    , m_folder(folder)
+    , m_entries(folders, QEntryFolder::Files, QStringLiteral("*.xml"))
 {
-    refresh();
+    // The user's own colours live in Custom.xml, chosen by editing, not by name.
+    m_entries.setExcluded({QStringLiteral("Custom")});
     QLifecycleLog::record(QStringLiteral("+QColorsetManager"));
 }
 
@@ -67,21 +68,11 @@ QColorsetManager::~QColorsetManager()
     QLifecycleLog::record(QStringLiteral("-QColorsetManager"));
 }
 
-void QColorsetManager::refresh()
-{
-    const QFileInfoList files = QDir(m_folder).entryInfoList(QDir::Files, QDir::Name);
-    m_names.clear();
-    for (const QFileInfo &fi : files) {
-        // The user's own colours live in Custom.xml, chosen by editing, not by name.
-        if (fi.completeBaseName() != QLatin1String("Custom"))
-            m_names.append(fi.completeBaseName());
-    }
-}
-
 bool QColorsetManager::load(const QString &name)
 {
     QDomDocument doc(QStringLiteral("ORVColorsML"));
-    if (!QXmlHelper::parseFile(doc, m_folder + QLatin1Char('/') + name + QStringLiteral(".xml")))
+    const QString file = m_entries.filePath(name);
+    if (file.isEmpty() || !QXmlHelper::parseFile(doc, file))
         return false;
     const QDomElement root = doc.documentElement();
     if (root.tagName() != QLatin1String("colors"))
@@ -97,8 +88,8 @@ bool QColorsetManager::load(const QString &name)
         Entry entry;
         entry.color = QColor(qMin(255, m.captured(1).toInt()), qMin(255, m.captured(2).toInt()),
                              qMin(255, m.captured(3).toInt()));
-        entry.bold = QVariant(e.attribute(QStringLiteral("bold"))).toBool();
-        entry.italic = QVariant(e.attribute(QStringLiteral("italic"))).toBool();
+        entry.bold = QMugenModel::toFlag(e.attribute(QStringLiteral("bold")));
+        entry.italic = QMugenModel::toFlag(e.attribute(QStringLiteral("italic")));
         m_colors.insert(e.attribute(QStringLiteral("name")), entry);
     }
     m_current = name;

@@ -1,12 +1,15 @@
 #pragma once
 
+#include "base/qentryfolder.h"
+
 #include <QAbstractListModel>
 #include <QColor>
 #include <QMap>
 #include <QStringList>
 
-// Lists the colour sets beside the program (one XML file each) and holds the
-// colours of the current one: the roles of the code editor and of the stage.
+// The colour sets (one XML file each), and the colours of the current one:
+// the roles of the code editor and of the stage. The model's rows are the
+// roles the current set has.
 class QColorsetManager : public QAbstractListModel
 {
     Q_OBJECT
@@ -25,11 +28,12 @@ public:
     // Black or white, whichever reads better on the given background.
     static QColor contrast(const QColor &background);
 
-    explicit QColorsetManager(const QString &folder, QObject *parent = nullptr);
+    explicit QColorsetManager(const QStringList &folders, QObject *parent = nullptr);
     ~QColorsetManager() override;
 
-    int count() const { return int(m_names.size()); }
-    QString name(int i) const { return m_names.value(i); }
+    int count() const { return m_entries.count(); }
+    QString name(int i) const { return m_entries.name(i); }
+    QEntryFolder &entries() { return m_entries; }
     QString current() const { return m_current; }
 
     bool load(const QString &name);
@@ -38,7 +42,7 @@ public:
     void setColor(const QString &key, const Entry &entry);
     QMap<QString, Entry> colors() const { return m_colors; }
 
-    void refresh();
+    void refresh() { m_entries.refresh(); }
 
     int rowCount(const QModelIndex &parent = QModelIndex()) const override;
     QVariant data(const QModelIndex &index, int role = Qt::DisplayRole) const override;
@@ -47,7 +51,6 @@ private:
     QList<int> presentRoles() const;
 
     QMap<QString, Entry> m_colors;
-    QString m_folder;
-    QStringList m_names;
+    QEntryFolder m_entries;
     QString m_current;
 };

@@ -5,14 +5,12 @@
 #include "base/qlifecyclelog.h"
 #include "base/qxmlhelper.h"
 
-#include <QDir>
 #include <QDomDocument>
 #include <QFileInfo>
 
-QIconsetManager::QIconsetManager(const QString &folder)
-    : m_folder(folder)
+QIconsetManager::QIconsetManager(const QStringList &folders)
+    : m_entries(folders, QEntryFolder::Folders, QStringLiteral("Iconset.xml"))
 {
-    refresh();
     QLifecycleLog::record(QStringLiteral("+QIconsetManager"));
 }
 
@@ -21,17 +19,12 @@ QIconsetManager::~QIconsetManager()
     QLifecycleLog::record(QStringLiteral("-QIconsetManager"));
 }
 
-void QIconsetManager::refresh()
-{
-    m_names = QDir(m_folder).entryList(QDir::Dirs | QDir::NoDotAndDotDot);
-}
-
 QIcon QIconsetManager::icon(const QString &key) const
 {
     const auto it = m_files.constFind(key);
     if (m_current.isEmpty() || it == m_files.constEnd())
         return QIcon();
-    return QIcon(m_folder + QLatin1Char('/') + m_current + QLatin1Char('/') + it.value());
+    return QIcon(m_currentFolder + QLatin1Char('/') + it.value());
 }
 
 void QIconsetManager::apply(const QString &name, QActionManager *actions, bool force)
@@ -40,12 +33,13 @@ void QIconsetManager::apply(const QString &name, QActionManager *actions, bool f
         return;
     m_applied = true;
     m_current.clear();
-    if (m_names.contains(name))
+    if (m_entries.contains(name))
         m_current = name;
+    m_currentFolder = m_entries.entryFolder(m_current);
     m_files.clear();
 
     QDomDocument doc(QStringLiteral("ORVIconsetML"));
-    const QString file = m_folder + QLatin1Char('/') + m_current + QStringLiteral("/Iconset.xml");
+    const QString file = m_entries.filePath(m_current);
     bool ok = !m_current.isEmpty() && QFileInfo::exists(file) && QXmlHelper::parseFile(doc, file)
               && doc.documentElement().tagName() == QLatin1String("iconset");
     if (ok) {

@@ -1,7 +1,6 @@
 #include "qinterface.h"
 
 #include "shell/qaction2.h"
-#include "shell/qappobjects.h"
 #include "shell/qlanguagemanager.h"
 #include "base/qlifecyclelog.h"
 #include "base/qmugenmodel.h"
@@ -16,10 +15,6 @@
 #include "qpresetmanager.h"
 #include "scripting/qscriptmanager.h"
 
-extern "C" {
-#include <lua.h>
-}
-
 #include <QActionGroup>
 #include <QBoxLayout>
 #include <QDockWidget>
@@ -32,8 +27,10 @@ extern "C" {
 #include <QTabBar>
 #include <QToolBar>
 
-QInterface::QInterface(QMainWindow *window, QDockWidget *actionDock, QListView *actionList)
+QInterface::QInterface(QMainWindow *window, QDockWidget *actionDock, QListView *actionList,
+                       const QAppObjects &objects)
     : QObject(window)
+    , m_objects(objects)
     , m_actionDock(actionDock)
     , m_actionList(actionList)
     , m_window(window)
@@ -70,7 +67,6 @@ QInterface::~QInterface()
     saveState();
     saveControllerState();
     QLifecycleLog::record(QStringLiteral("-QInterface:state"));
-    Bf::mainInterface = nullptr;
 }
 
 void QInterface::buildLayout()
@@ -211,17 +207,16 @@ void QInterface::init()
 
 void QInterface::restoreState()
 {
-    QMugenModel &cfg = *Bf::config;
-    const int w = cfg[QStringLiteral("window_width")].toInt();
-    const int h = cfg[QStringLiteral("window_height")].toInt();
+    const QMugenModel &cfg = *m_objects.config;
+    const int w = cfg.number(QStringLiteral("window_width"));
+    const int h = cfg.number(QStringLiteral("window_height"));
     if (w > 0 && h > 0) {
         m_window->resize(w, h);
-        m_window->move(cfg[QStringLiteral("window_left")].toInt(),
-                       cfg[QStringLiteral("window_top")].toInt());
+        m_window->move(cfg.number(QStringLiteral("window_left")), cfg.number(QStringLiteral("window_top")));
     }
-    m_window->setWindowState(Qt::WindowStates(cfg[QStringLiteral("window_state")].toInt()));
-    m_showLeftPanel = cfg[QStringLiteral("show_left_panel")].toBool();
-    m_showRightPanel = cfg[QStringLiteral("show_right_panel")].toBool();
+    m_window->setWindowState(Qt::WindowStates(cfg.number(QStringLiteral("window_state"))));
+    m_showLeftPanel = cfg.flag(QStringLiteral("show_left_panel"));
+    m_showRightPanel = cfg.flag(QStringLiteral("show_right_panel"));
 
     // Tool bars: areas, order and the break between them.
     auto area = [](int stored) {
@@ -230,23 +225,23 @@ void QInterface::restoreState()
                    ? a
                    : Qt::TopToolBarArea;
     };
-    const Qt::ToolBarArea mainArea = area(cfg[QStringLiteral("main_toolbar")].toInt());
-    const Qt::ToolBarArea extraArea = area(cfg[QStringLiteral("extra_toolbar")].toInt());
-    const bool extraFirst = cfg[QStringLiteral("toolbar_first")].toBool();
+    const Qt::ToolBarArea mainArea = area(cfg.number(QStringLiteral("main_toolbar")));
+    const Qt::ToolBarArea extraArea = area(cfg.number(QStringLiteral("extra_toolbar")));
+    const bool extraFirst = cfg.flag(QStringLiteral("toolbar_first"));
     QToolBar *first = extraFirst ? m_extraToolBar : m_mainToolBar;
     QToolBar *second = extraFirst ? m_mainToolBar : m_extraToolBar;
     m_window->addToolBar(extraFirst ? extraArea : mainArea, first);
-    if (cfg[QStringLiteral("toolbar_break")].toBool())
+    if (cfg.flag(QStringLiteral("toolbar_break")))
         m_window->addToolBarBreak(extraFirst ? mainArea : extraArea);
     m_window->addToolBar(extraFirst ? mainArea : extraArea, second);
 
     if (m_actionDock) {
-        m_actionDock->setVisible(cfg[QStringLiteral("show_action_list")].toBool());
-        const int dockArea = cfg[QStringLiteral("action_list_area")].toInt();
+        m_actionDock->setVisible(cfg.flag(QStringLiteral("show_action_list")));
+        const int dockArea = cfg.number(QStringLiteral("action_list_area"));
         m_window->addDockWidget(dockArea == Qt::LeftDockWidgetArea ? Qt::LeftDockWidgetArea
                                                                    : Qt::RightDockWidgetArea,
                                 m_actionDock);
-        const int dockWidth = cfg[QStringLiteral("action_list_width")].toInt();
+        const int dockWidth = cfg.number(QStringLiteral("action_list_width"));
         if (dockWidth > 0)
             m_window->resizeDocks({m_actionDock}, {dockWidth}, Qt::Horizontal);
     }
@@ -254,7 +249,7 @@ void QInterface::restoreState()
 
 void QInterface::saveState()
 {
-    QMugenModel &cfg = *Bf::config;
+    QMugenModel &cfg = *m_objects.config;
     cfg[QStringLiteral("show_left_panel")] = m_showLeftPanel;
     cfg[QStringLiteral("show_right_panel")] = m_showRightPanel;
     const QRect normal = m_window->normalGeometry().isValid() ? m_window->normalGeometry()
@@ -282,13 +277,15 @@ void QInterface::saveState()
 
 void QInterface::applyConfig()
 {
-    QMugenModel &cfg = *Bf::config;
-    Bf::languages->setLanguage(cfg[QStringLiteral("language")].toString());
-    const QString colorset = cfg[QStringLiteral("colorset")].toString();
-    const QString stylesheet = cfg[QStringLiteral("stylesheet")].toString();
-    const QString iconset = cfg[QStringLiteral("iconset")].toString();
-    const QString preset = cfg[QStringLiteral("preset")].toString();
-    Bf::presets->apply(this, preset, iconset, stylesheet, colorset);
+    const QMugenModel &cfg = *m_objects.config;
+    if (m_objects.languages)
+        m_objects.languages->setLanguage(cfg.text(QStringLiteral("language")));
+    const QString colorset = cfg.text(QStringLiteral("colorset"));
+    const QString stylesheet = cfg.text(QStringLiteral("stylesheet"));
+    const QString iconset = cfg.text(QStringLiteral("iconset"));
+    const QString preset = cfg.text(QStringLiteral("preset"));
+    if (m_objects.presets)
+        m_objects.presets->apply(this, preset, iconset, stylesheet, colorset);
 
     updateEditorName();
     updateExtraEditorName();
@@ -332,7 +329,7 @@ bool QInterface::canCloseProject(QProject *project)
 void QInterface::rebuildToolMenu()
 {
     QMenu *tools = m_window->findChild<QMenu *>(QStringLiteral("menuTools"));
-    if (!tools || !Bf::scripts)
+    if (!tools || !m_objects.scripts)
         return;
     // The first four entries are the program's own; scripts follow them.
     const QList<QAction *> existing = tools->actions();
@@ -347,7 +344,7 @@ void QInterface::rebuildToolMenu()
             delete m;
     }
     QMap<QString, QMenu *> groups;
-    const QMap<QString, QString> scripts = Bf::scripts->scripts(QStringLiteral("tool"));
+    const QMap<QString, QString> scripts = m_objects.scripts->scripts(QStringLiteral("tool"));
     for (auto it = scripts.constBegin(); it != scripts.constEnd(); ++it) {
         const QString name = it.key();
         QMenu *target = tools;
@@ -369,16 +366,10 @@ void QInterface::rebuildToolMenu()
 void QInterface::toolActivated()
 {
     auto *a = qobject_cast<QAction *>(sender());
-    if (!a || !Bf::scripts)
+    if (!a || !m_objects.scripts)
         return;
-    QScriptManager *sm = Bf::scripts;
-    bool ok = sm->load(QStringLiteral("tool/") + a->data().toString() + QStringLiteral(".lua"));
-    if (ok) {
-        lua_State *L = sm->state();
-        lua_getglobal(L, "main");
-        ok = lua_pcall(L, 0, 0, 0) == 0;
-    }
-    if (!ok)
+    QScriptManager *sm = m_objects.scripts;
+    if (!sm->runTool(a->data().toString()))
         QMessageBox::critical(m_window, tr("Tool script error"), sm->errorMessage());
     sm->close();
     if (QInterfaceEditor *e = editor(m_currentEditor))

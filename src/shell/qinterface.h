@@ -1,7 +1,8 @@
 #pragma once
 
 #include "code/qquickfindoption.h"
-#include "shell/qactionmanager.h"
+#include "qactionmanager.h"
+#include "qappobjects.h"
 #include "qtoolbarentry.h"
 
 #include <QMap>
@@ -48,7 +49,7 @@ public:
     static constexpr int NoWorkspace = 3;
     static constexpr int NoExtraEditor = 3;
 
-    QInterface(QMainWindow *window, QDockWidget *actionDock, QListView *actionList);
+    QInterface(QMainWindow *window, QDockWidget *actionDock, QListView *actionList, const QAppObjects &objects);
     ~QInterface() override;
 
     // The finishing step of start-up, once everything is registered.
@@ -62,6 +63,7 @@ public:
     void setControlEnabled(const QString &name, bool enabled);
 
     QActionManager &actionManager() { return m_actions; }
+    const QAppObjects &objects() const { return m_objects; }
     QMainWindow *window() const { return m_window; }
 
     // What a preset lays out.
@@ -134,6 +136,7 @@ private:
     void fillToolBar(QToolBar *bar, const QList<const QToolBarEntry *> &entries);
     void showPanels();
 
+    QAppObjects m_objects;
     QActionManager m_actions;
     QPointer<QDockWidget> m_actionDock;
     QPointer<QListView> m_actionList;
@@ -198,10 +201,6 @@ public:
     using JumpHandler = std::function<bool(const QString &file, uint line)>;
     void addJumpHandler(const QString &context, JumpHandler handler);
 
-    // Where shortcuts.xml and history.xml live: beside the program unless a
-    // folder is set (tests keep their runs apart this way).
-    static void setStateFolder(const QString &folder);
-    static QString stateFile(const QString &name);
     // Reads and writes what the controller keeps between runs. Called by
     // init() and the destructor; public so that a reset can run them again.
     void restoreControllerState();
@@ -211,6 +210,9 @@ public slots:
     void fileNew();
     void fileOpen();
     void openProject(const QString &fileName);
+    // Opens what the command line or the desktop names: a DEF as it is, any
+    // other file through the DEF beside it that names it.
+    void openFiles(const QStringList &fileNames);
     void fileClose();
     void fileCloseAll();
     void fileCloseAllCurr();
@@ -244,6 +246,9 @@ public slots:
     void projTabsClosed(int index);
 
 private:
+    QString configString(const char *key) const;
+    bool configFlag(const char *key, bool fallback) const;
+    QString shortcutsFile() const;
     void buildControllerUi();
     void buildProjectMenu();
     void buildViewMenu();

@@ -1,7 +1,6 @@
 // New, open, close, save and backup of projects, and the questions projects ask.
 #include "shell/qinterface.h"
 
-#include "shell/qappobjects.h"
 #include "base/qmugenmodel.h"
 #include "project/qproject.h"
 #include "shell/errordlg.h"
@@ -21,24 +20,17 @@
 namespace {
 constexpr quint32 kSff101 = 0x01000100;
 constexpr quint32 kSff201 = 0x02000100;
-
-QString configString(const char *key)
-{
-    return Bf::config ? Bf::config->map.value(QString::fromLatin1(key)).toString() : QString();
-}
-
-bool configBool(const char *key, bool fallback)
-{
-    if (!Bf::config)
-        return fallback;
-    // Values read from the file are strings: "true"/"false" or numbers; a
-    // missing or empty value keeps the default.
-    const QString s = Bf::config->map.value(QString::fromLatin1(key)).toString().trimmed().toLower();
-    if (s.isEmpty())
-        return fallback;
-    return s == QLatin1String("true") || s.toInt() != 0;
-}
 } // namespace
+
+QString QInterface::configString(const char *key) const
+{
+    return m_objects.config ? m_objects.config->text(QString::fromLatin1(key)) : QString();
+}
+
+bool QInterface::configFlag(const char *key, bool fallback) const
+{
+    return m_objects.config ? m_objects.config->flag(QString::fromLatin1(key), fallback) : fallback;
+}
 
 void QInterface::fileNew()
 {
@@ -62,8 +54,8 @@ void QInterface::openProject(const QString &fileName)
     {
         QProgress progress(tr("Loading project..."), m_window);
         progress.attach(project);
-        loaded = project->fromFile(fileName, configString("default_codepage").toUInt(),
-                                   configBool("backup_onload", false), false);
+        loaded = project->fromFile(fileName, uint(configString("default_codepage").toUInt()),
+                                   configFlag("backup_onload", false), false);
     }
     if (!loaded) {
         delete project;
@@ -72,13 +64,36 @@ void QInterface::openProject(const QString &fileName)
     addProjectTab(project);
     if (m_history)
         m_history->add(QFileInfo(fileName).absoluteFilePath());
-    if (Bf::config)
-        Bf::config->map[QStringLiteral("proj_path")] = QFileInfo(fileName).absolutePath();
+    if (m_objects.config)
+        m_objects.config->set(QStringLiteral("proj_path"), QFileInfo(fileName).absolutePath());
     if (project->messages()->issueCount() > 0 && m_issues)
         m_issues->show();
     // The empty project made at start stands in the way of the first real one.
     if (m_projects.size() == 2 && isUntouched(m_projects.first()))
         projTabsClosed(0);
+}
+
+void QInterface::openFiles(const QStringList &fileNames)
+{
+    for (const QString &name : fileNames) {
+        const QFileInfo info(name);
+        const QString shown = QDir::toNativeSeparators(name);
+        if (!info.isFile()) {
+            QAskUser::warning(m_window, tr("Open project"), tr("%1 could not be found.").arg(shown));
+            continue;
+        }
+        QString def = info.absoluteFilePath();
+        if (info.suffix().compare(QLatin1String("def"), Qt::CaseInsensitive) != 0) {
+            def = QProject::definitionFor(def);
+            if (def.isEmpty()) {
+                QAskUser::warning(m_window, tr("Open project"),
+                                  tr("No DEF file beside %1 names it, so there is no project to open it with.")
+                                      .arg(shown));
+                continue;
+            }
+        }
+        openProject(def);
+    }
 }
 
 void QInterface::fileClose()
@@ -147,7 +162,7 @@ void QInterface::askPaletteSaves(QProject *project, const QString &title, bool o
 {
     QSprites *sprites = project->sprites();
     if (project->type() != QProjectType::Character || sprites->version != kSff101
-        || !configBool("ask_save_palettes", true))
+        || !configFlag("ask_save_palettes", true))
         return;
     if (!QAskUser::question(m_window, title,
                             tr("Do you want to save the palettes of the group 1 based on the definitions (palette "

@@ -2,7 +2,7 @@
 #include "shell/qinterface.h"
 
 #include "shell/qaction2.h"
-#include "shell/qappobjects.h"
+#include "base/qapppaths.h"
 #include "base/qmugenmodel.h"
 #include "project/qproject.h"
 #include "shell/bugdlg.h"
@@ -83,7 +83,9 @@ void QInterface::buildProjectMenu()
     m_recentMenu->setObjectName(QStringLiteral("menuRecent"));
     m_actions.translation().retranslateMenu(m_recentMenu, 42);
     menu->insertMenu(exit, m_recentMenu);
-    m_history = new QHistoryManager(m_recentMenu, stateFile(QStringLiteral("history.xml")), HistorySize, this);
+    const QString historyFile =
+        m_objects.paths ? m_objects.paths->stateFile(QStringLiteral("history.xml")) : QString();
+    m_history = new QHistoryManager(m_recentMenu, historyFile, HistorySize, this);
     connect(m_history, &QHistoryManager::entryTriggered, this, &QInterface::openProject);
     separator();
     add("file_close", 2, SLOT(fileClose()));

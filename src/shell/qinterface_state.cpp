@@ -2,51 +2,34 @@
 // switches and the places of the floating dialogs.
 #include "shell/qinterface.h"
 
-#include "shell/qappobjects.h"
+#include "base/qapppaths.h"
 #include "base/qmugenmodel.h"
 #include "shell/qhistorymanager.h"
 
 #include <QCoreApplication>
 #include <QDockWidget>
+#include <QFileInfo>
 #include <QMainWindow>
 
-namespace {
-QString &stateFolderOverride()
+QString QInterface::shortcutsFile() const
 {
-    static QString folder;
-    return folder;
-}
-
-bool flag(const QMap<QString, QVariant> &map, const QString &key, bool fallback)
-{
-    // A key that is missing, or present without a value, keeps the default.
-    const QString s = map.value(key).toString().trimmed().toLower();
-    if (s.isEmpty())
-        return fallback;
-    return s == QLatin1String("true") || s.toInt() != 0;
-}
-} // namespace
-
-void QInterface::setStateFolder(const QString &folder)
-{
-    stateFolderOverride() = folder;
-}
-
-QString QInterface::stateFile(const QString &name)
-{
-    const QString folder =
-        stateFolderOverride().isEmpty() ? QCoreApplication::applicationDirPath() : stateFolderOverride();
-    return folder + QLatin1Char('/') + name;
+    return m_objects.paths ? m_objects.paths->configFile(QStringLiteral("shortcuts.xml")) : QString();
 }
 
 void QInterface::restoreControllerState()
 {
-    m_actions.load(stateFile(QStringLiteral("shortcuts.xml")));
+    // Until the user has keys of their own, the ones the program ships serve.
+    const QString own = shortcutsFile();
+    if (!own.isEmpty())
+        m_actions.load(QFileInfo::exists(own) || !m_objects.paths
+                           ? own
+                           : m_objects.paths->dataPath(QStringLiteral("shortcuts.xml")));
     if (m_history)
         m_history->load();
-    if (!Bf::config)
+    if (!m_objects.config)
         return;
-    const QMap<QString, QVariant> &map = Bf::config->map;
+    const QMugenModel &config = *m_objects.config;
+    auto flag = [&config](const QString &key, bool fallback) { return config.flag(key, fallback); };
 
     // Set the check marks without running their slots: the panels follow the
     // editor switch that comes next.
@@ -57,22 +40,22 @@ void QInterface::restoreControllerState()
         a->setChecked(on);
         a->blockSignals(blocked);
     };
-    check(m_viewLeft, flag(map, QStringLiteral("show_left_panel"), true));
-    check(m_viewRight, flag(map, QStringLiteral("show_right_panel"), true));
-    check(m_viewOrganizer, flag(map, QStringLiteral("show_organizer"), true));
-    check(m_viewQuickFind, flag(map, QStringLiteral("show_quicksearch"), false));
+    check(m_viewLeft, flag(QStringLiteral("show_left_panel"), true));
+    check(m_viewRight, flag(QStringLiteral("show_right_panel"), true));
+    check(m_viewOrganizer, flag(QStringLiteral("show_organizer"), true));
+    check(m_viewQuickFind, flag(QStringLiteral("show_quicksearch"), false));
     editFindToggled(m_viewQuickFind && m_viewQuickFind->isChecked());
 
     if (m_actionDock) {
-        const bool showList = flag(map, QStringLiteral("show_action_list"), true);
+        const bool showList = flag(QStringLiteral("show_action_list"), true);
         check(m_viewActions, showList);
         m_actionDock->setVisible(showList);
         // 0 (never stored) and anything unknown mean the right side.
-        const int area = map.value(QStringLiteral("action_list_area")).toString().toInt();
+        const int area = config.number(QStringLiteral("action_list_area"));
         m_window->addDockWidget(area == int(Qt::LeftDockWidgetArea) ? Qt::LeftDockWidgetArea
                                                                      : Qt::RightDockWidgetArea,
                                 m_actionDock);
-        const int width = map.value(QStringLiteral("action_list_width")).toString().toInt();
+        const int width = config.number(QStringLiteral("action_list_width"));
         if (width > 0)
             m_actionDock->resize(width, 100);
     }
@@ -83,9 +66,9 @@ void QInterface::restoreControllerState()
             continue;
         const QString x = it.key() + QStringLiteral("_x");
         const QString y = it.key() + QStringLiteral("_y");
-        if (map.contains(x) && map.contains(y))
-            dialog->move(map.value(x).toString().toInt(), map.value(y).toString().toInt());
-        if (flag(map, QStringLiteral("show_") + it.key(), false))
+        if (config.map.contains(x) && config.map.contains(y))
+            dialog->move(config.number(x), config.number(y));
+        if (flag(QStringLiteral("show_") + it.key(), false))
             dialog->show();
     }
 }
@@ -94,10 +77,11 @@ void QInterface::saveControllerState()
 {
     if (m_history)
         m_history->save();
-    m_actions.save(stateFile(QStringLiteral("shortcuts.xml")));
-    if (!Bf::config)
+    if (!shortcutsFile().isEmpty())
+        m_actions.save(shortcutsFile());
+    if (!m_objects.config)
         return;
-    QMap<QString, QVariant> &map = Bf::config->map;
+    QMap<QString, QVariant> &map = m_objects.config->map;
     if (m_viewQuickFind)
         map[QStringLiteral("show_quicksearch")] = m_viewQuickFind->isChecked();
     if (m_viewLeft)

@@ -1,7 +1,6 @@
 // The tab bar of open projects: creation, switching, moving and closing.
 #include "shell/qinterface.h"
 
-#include "shell/qappobjects.h"
 #include "base/qmugenmodel.h"
 #include "project/qproject.h"
 #include "shell/errordlg.h"
@@ -11,10 +10,6 @@
 #include "scripting/qscriptmanager.h"
 #include "sprites/qsprites.h"
 
-extern "C" {
-#include <lua.h>
-}
-
 #include <QCoreApplication>
 #include <QMainWindow>
 #include <QTabBar>
@@ -23,7 +18,7 @@ void QInterface::newProject(bool withTemplate)
 {
     QString chosen;
     if (withTemplate) {
-        const QString folder = QCoreApplication::applicationDirPath() + QStringLiteral("/scripts/project");
+        const QString folder = m_objects.scripts ? m_objects.scripts->root() + QStringLiteral("/project") : QString();
         ProjDlg dlg(ProjDlg::findTemplates(folder), folder, m_window);
         if (QAskUser::exec(&dlg) != QDialog::Accepted)
             return;
@@ -33,23 +28,11 @@ void QInterface::newProject(bool withTemplate)
     QProject *project = createProject();
     if (!chosen.isEmpty()) {
         bool kept = false;
-        QScriptManager *scripts = Bf::scripts;
-        if (scripts && scripts->load(QStringLiteral("project/") + chosen + QStringLiteral(".lua"))) {
-            lua_State *L = scripts->state();
-            lua_getglobal(L, "template");
-            lua_pushlightuserdata(L, project);
-            if (lua_pcall(L, 1, 1, 0) == 0) {
-                kept = lua_toboolean(L, -1) != 0;
-                lua_pop(L, 1);
-            } else {
-                QAskUser::critical(m_window, tr("Script error"), QString::fromUtf8(lua_tostring(L, -1)));
-                lua_pop(L, 1);
-            }
-        } else if (scripts) {
-            QAskUser::critical(m_window, tr("Script error"), scripts->errorMessage());
-        }
-        if (scripts)
+        if (QScriptManager *scripts = m_objects.scripts) {
+            if (!scripts->runTemplate(chosen, project, &kept))
+                QAskUser::critical(m_window, tr("Script error"), scripts->errorMessage());
             scripts->close();
+        }
         if (!kept) {
             delete project;
             return;
@@ -65,13 +48,11 @@ void QInterface::newProject(bool withTemplate)
 QProject *QInterface::createProject()
 {
     QProjectSettings settings;
-    if (Bf::config) {
-        settings = QProjectSettings::fromMap(Bf::config->map);
-        settings.storePath = [](const QString &key, const QString &value) {
-            if (Bf::config)
-                Bf::config->map[key] = value;
-        };
+    if (QMugenModel *config = m_objects.config) {
+        settings = QProjectSettings::fromConfig(*config);
+        settings.storePath = [config](const QString &key, const QString &value) { config->set(key, value); };
     }
+    settings.undoCache = m_objects.undoCache;
     auto *project = new QProject(settings);
     connectProject(project);
     return project;

@@ -17,13 +17,25 @@
 #include <QStackedLayout>
 #include <QToolBar>
 
+namespace {
+// Pages stand in the order of the numbers of what they belong to, whatever the
+// order of registration: the place of a new one is the count of lower numbers.
+template <typename Map> int placeOf(const Map &registered, int id)
+{
+    int place = 0;
+    for (auto it = registered.cbegin(); it != registered.cend() && it.key() < id; ++it)
+        ++place;
+    return place;
+}
+} // namespace
+
 void QInterface::addWorkspace(std::unique_ptr<QInterfaceWorkspace> workspace)
 {
     if (!workspace)
         return;
     const int id = workspace->id();
     if (QWidget *w = workspace->widget()) {
-        m_centralStack->addWidget(w);
+        m_centralStack->insertWidget(placeOf(m_workspacePages, id), w);
         m_workspacePages.insert(id, w);
     }
     m_toolbarEntries[workspace->name()];
@@ -49,7 +61,7 @@ void QInterface::addEditor(std::unique_ptr<QInterfaceEditor> editor)
 
     auto *page = new QWidget;
     page->setObjectName(e->tag());
-    m_leftStack->addWidget(page);
+    m_leftStack->insertWidget(placeOf(m_editorPages, id), page);
     m_editorPanels.insert(e->tag(), page);
     m_editorPages.insert(id, page);
 
@@ -66,7 +78,7 @@ void QInterface::addExtraEditor(std::unique_ptr<QInterfaceExtraEditor> editor)
     m_extraEditors[id] = std::move(editor);
     auto *page = new QWidget;
     page->setObjectName(x->name());
-    m_rightStack->addWidget(page);
+    m_rightStack->insertWidget(placeOf(m_extraPages, id), page);
     m_extraPanels.insert(x->name(), page);
     m_extraPages.insert(id, page);
     m_toolbarEntries[x->name()];

@@ -1,7 +1,6 @@
 #include "qpresetmanager.h"
 
 #include "shell/qaction2.h"
-#include "shell/qappobjects.h"
 #include "shell/qcolorsetmanager.h"
 #include "shell/qiconsetmanager.h"
 #include "base/qlifecyclelog.h"
@@ -11,7 +10,6 @@
 #include "qpanelwidget.h"
 #include "qstylesheetmanager.h"
 
-#include <QDir>
 #include <QDomDocument>
 #include <QFrame>
 #include <QGuiApplication>
@@ -63,24 +61,19 @@ Qt::Alignment alignment(const QString &text)
 }
 } // namespace
 
-QPresetManager::QPresetManager(const QString &folder)
-    : m_folder(folder)
+QPresetManager::QPresetManager(const QStringList &folders, QIconsetManager *iconsets,
+                               QStylesheetManager *stylesheets, QColorsetManager *colorsets)
+    : m_entries(folders, QEntryFolder::Files, QStringLiteral("*.xml"))
+    , m_iconsets(iconsets)
+    , m_stylesheets(stylesheets)
+    , m_colorsets(colorsets)
 {
-    refresh();
     QLifecycleLog::record(QStringLiteral("+QPresetManager"));
 }
 
 QPresetManager::~QPresetManager()
 {
     QLifecycleLog::record(QStringLiteral("-QPresetManager"));
-}
-
-void QPresetManager::refresh()
-{
-    m_names.clear();
-    const QFileInfoList files = QDir(m_folder).entryInfoList(QDir::Files, QDir::Name);
-    for (const QFileInfo &fi : files)
-        m_names.append(fi.completeBaseName());
 }
 
 int QPresetManager::screenDpi() const
@@ -96,12 +89,6 @@ int QPresetManager::screenDpi() const
     return int(screen->physicalDotsPerInchX() / ratio);
 }
 
-bool QPresetManager::apply(const QString &name, const QString &iconset, const QString &stylesheet,
-                           const QString &colorset)
-{
-    return apply(Bf::mainInterface, name, iconset, stylesheet, colorset);
-}
-
 bool QPresetManager::apply(QInterface *target, const QString &name, const QString &iconset,
                            const QString &stylesheet, const QString &colorset)
 {
@@ -114,22 +101,23 @@ bool QPresetManager::apply(QInterface *target, const QString &name, const QStrin
         c->clear();
 
     QDomDocument doc(QStringLiteral("ORVPresetML"));
-    if (!QXmlHelper::parseFile(doc, m_folder + QLatin1Char('/') + name + QStringLiteral(".xml")))
+    const QString file = m_entries.filePath(name);
+    if (file.isEmpty() || !QXmlHelper::parseFile(doc, file))
         return false;
     const QDomElement root = doc.documentElement();
     if (root.tagName() != QLatin1String("preset"))
         return false;
 
     const QString classic = QStringLiteral("Classic");
-    if (Bf::stylesheets)
-        Bf::stylesheets->apply(stylesheet.isEmpty() ? root.attribute(QStringLiteral("stylesheet"), classic)
+    if (m_stylesheets)
+        m_stylesheets->apply(stylesheet.isEmpty() ? root.attribute(QStringLiteral("stylesheet"), classic)
                                                     : stylesheet);
-    if (Bf::iconsets)
-        Bf::iconsets->apply(iconset.isEmpty() ? root.attribute(QStringLiteral("iconset"), classic)
+    if (m_iconsets)
+        m_iconsets->apply(iconset.isEmpty() ? root.attribute(QStringLiteral("iconset"), classic)
                                               : iconset,
                             &target->actionManager());
-    if (Bf::colorsets)
-        Bf::colorsets->load(colorset.isEmpty() ? root.attribute(QStringLiteral("colorset"), classic)
+    if (m_colorsets)
+        m_colorsets->load(colorset.isEmpty() ? root.attribute(QStringLiteral("colorset"), classic)
                                                : colorset);
 
     m_scale = qMax(1, screenDpi() / 96);

@@ -1,20 +1,25 @@
 #pragma once
 
-#include <QStringList>
+#include "base/qentryfolder.h"
 
+class QColorsetManager;
+class QIconsetManager;
 class QInterface;
+class QStylesheetManager;
 
-// Lists the layout presets beside the program (one XML file each) and applies
-// one: the toolbars, the controls of every editor's panel, and the style
-// sheet, icon set and colour set that go with it.
+// The layout presets (one XML file each). Applying one lays out the
+// toolbars and the controls of every editor's panel, and sets the style
+// sheet, icon set and colour set that go with it through their managers.
 class QPresetManager
 {
 public:
-    explicit QPresetManager(const QString &folder);
+    QPresetManager(const QStringList &folders, QIconsetManager *iconsets, QStylesheetManager *stylesheets,
+                   QColorsetManager *colorsets);
     ~QPresetManager();
 
-    int count() const { return int(m_names.size()); }
-    QString name(int i) const { return m_names.value(i); }
+    int count() const { return m_entries.count(); }
+    QString name(int i) const { return m_entries.name(i); }
+    QEntryFolder &entries() { return m_entries; }
     // The factor pixel values of the last applied preset were scaled by.
     int scale() const { return m_scale; }
 
@@ -23,19 +28,19 @@ public:
     // the interface then has empty toolbars and no placed controls.
     bool apply(QInterface *target, const QString &name, const QString &iconset,
                const QString &stylesheet, const QString &colorset);
-    bool apply(const QString &name, const QString &iconset, const QString &stylesheet,
-               const QString &colorset);
 
     // Fixes the dots per inch used for scaling (0: ask the screen).
     void setDpiOverride(int dpi) { m_dpiOverride = dpi; }
 
-    void refresh();
+    void refresh() { m_entries.refresh(); }
 
 private:
     int screenDpi() const;
 
-    QString m_folder;
-    QStringList m_names;
+    QEntryFolder m_entries;
+    QIconsetManager *m_iconsets;
+    QStylesheetManager *m_stylesheets;
+    QColorsetManager *m_colorsets;
     int m_scale = 1;
     int m_dpiOverride = 0;
 };

@@ -3,15 +3,13 @@
 #include "base/qlifecyclelog.h"
 
 #include <QApplication>
-#include <QDir>
 #include <QFile>
 #include <QRegularExpression>
 #include <QTextStream>
 
-QStylesheetManager::QStylesheetManager(const QString &folder)
-    : m_folder(folder)
+QStylesheetManager::QStylesheetManager(const QStringList &folders)
+    : m_entries(folders, QEntryFolder::Folders, QStringLiteral("Stylesheet.css"))
 {
-    refresh();
     QLifecycleLog::record(QStringLiteral("+QStylesheetManager"));
 }
 
@@ -20,12 +18,7 @@ QStylesheetManager::~QStylesheetManager()
     QLifecycleLog::record(QStringLiteral("-QStylesheetManager"));
 }
 
-void QStylesheetManager::refresh()
-{
-    m_names = QDir(m_folder).entryList(QDir::Dirs | QDir::NoDotAndDotDot);
-}
-
-QString QStylesheetManager::prepare(const QString &source, const QString &name)
+QString QStylesheetManager::prepare(const QString &source, const QString &folder)
 {
     static const QRegularExpression metric(QStringLiteral("\\[(\\d+)\\]"));
     QString css = source;
@@ -43,7 +36,7 @@ QString QStylesheetManager::prepare(const QString &source, const QString &name)
         }
     }
     css.replace(metric, QString());
-    css.replace(QStringLiteral("url("), QStringLiteral("url(styles/") + name + QLatin1Char('/'));
+    css.replace(QStringLiteral("url("), QStringLiteral("url(") + folder + QLatin1Char('/'));
     return css;
 }
 
@@ -53,14 +46,14 @@ void QStylesheetManager::apply(const QString &name)
         return;
     m_applied = true;
     m_current.clear();
-    if (m_names.contains(name))
+    if (m_entries.contains(name))
         m_current = name;
     if (m_current.isEmpty())
         return;
-    QFile file(m_folder + QLatin1Char('/') + m_current + QStringLiteral("/Stylesheet.css"));
+    QFile file(m_entries.filePath(m_current));
     if (!file.open(QIODevice::ReadOnly | QIODevice::Text))
         return;
     QTextStream in(&file);
     if (auto *app = qobject_cast<QApplication *>(QCoreApplication::instance()))
-        app->setStyleSheet(prepare(in.readAll(), m_current));
+        app->setStyleSheet(prepare(in.readAll(), m_entries.entryFolder(m_current)));
 }

@@ -151,15 +151,6 @@ RecordPool &pool()
     return p;
 }
 
-// The pool is touched first so that it outlives the undo cache at exit.
-std::unique_ptr<QSpriteCache> &undoHolder()
-{
-    static RecordPool &keepAlive = pool();
-    Q_UNUSED(keepAlive);
-    static std::unique_ptr<QSpriteCache> holder;
-    return holder;
-}
-
 
 // qUncompress of bytes that weren't compressed by us: the 4-byte size header
 // must name the length the caller stored, otherwise the result is empty (and
@@ -513,22 +504,4 @@ int QSpriteCache::poolFree()
     RecordPool &p = pool();
     QMutexLocker locker(&p.lock);
     return int(p.free.size());
-}
-
-QSpriteCache *QSpriteCache::createUndoCache()
-{
-    auto &holder = undoHolder();
-    if (!holder)
-        holder = std::make_unique<QSpriteCache>(QStringLiteral("sprUndo"), TemporaryFile, true, -1);
-    return holder.get();
-}
-
-QSpriteCache *QSpriteCache::undoCache()
-{
-    return undoHolder().get();
-}
-
-void QSpriteCache::destroyUndoCache()
-{
-    undoHolder().reset();
 }

@@ -105,12 +105,6 @@ public:
     static int poolSize();
     static int poolFree();
 
-    // The process-wide cache for undo images: stem "sprUndo", temporary file,
-    // compression on, level -1. Created at start-up, destroyed at exit.
-    static QSpriteCache *createUndoCache();
-    static QSpriteCache *undoCache();
-    static void destroyUndoCache();
-
 private:
     QCacheEntry *entry(quint32 id) const;
     void attach(QCacheEntry *e);

@@ -83,10 +83,19 @@ QSprites::QSprites(int cacheMode, bool cacheCompression, QObject *parent)
 
 QSprites::~QSprites()
 {
-    // Commands hold handles in the shared undo cache: let them go first.
+    // Commands hold handles in the undo cache: let them go first.
     undoStack.clear();
     qDeleteAll(sprites);
     sprites.clear();
+}
+
+QSpriteCache *QSprites::undoCache()
+{
+    if (m_undoCache)
+        return m_undoCache;
+    if (!m_ownUndoCache)
+        m_ownUndoCache = std::make_unique<QSpriteCache>(QStringLiteral("sprUndo"), QSpriteCache::TemporaryFile, true, -1);
+    return m_ownUndoCache.get();
 }
 
 int QSprites::rowCount(const QModelIndex &parent) const

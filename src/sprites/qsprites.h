@@ -6,6 +6,8 @@
 #include <QString>
 #include <QUndoStack>
 
+#include <memory>
+
 #include "base/qorganizableobject.h"
 #include "sprites/qpaletteitem.h"
 #include "sprites/qpalettelist.h"
@@ -138,6 +140,11 @@ public:
     static bool loadPaletteFile(const QString &path, QRGBPal *out);
 
     // --- used by the undo commands --------------------------------------------
+    // Where the undo commands keep the images they can bring back: the one
+    // given (shared by all stores of the program), or else one of the store's
+    // own, made on first use.
+    void setUndoCache(QSpriteCache *cache) { m_undoCache = cache; }
+    QSpriteCache *undoCache();
     // Stored bytes of a sprite's own cache entry, lifted out without decoding.
     QByteArray storedBytes(int index) const;
     // Gives the sprite the cache entry `id` of its own cache (0: none), with
@@ -179,6 +186,9 @@ signals:
     void fileError(const QString &title, const QString &text);
 
 private:
+    QSpriteCache *m_undoCache = nullptr;
+    std::unique_ptr<QSpriteCache> m_ownUndoCache;
+
     // Row changes with the model notifications; nothing else.
     void insertRecord(int index);
     void deleteRecord(int index);

@@ -4,16 +4,6 @@
 #include "sprites/qspritecache.h"
 #include "sprites/qsprites.h"
 
-namespace {
-// The shared cache of undo images; made on first use when start-up didn't.
-QSpriteCache *undoCache()
-{
-    if (QSpriteCache *c = QSpriteCache::undoCache())
-        return c;
-    return QSpriteCache::createUndoCache();
-}
-} // namespace
-
 SpriteUndoCommand::SpriteUndoCommand(QSprites *s, quint32 i, const QString &text, QUndoCommand *parent)
     : QUndoCommand(text, parent), sprites(s), index(i)
 {
@@ -85,14 +75,13 @@ SpriteChangeImage::SpriteChangeImage(QSprites *s, quint32 i, const QString &text
 SpriteChangeImage::~SpriteChangeImage()
 {
     if (undoId)
-        if (QSpriteCache *c = QSpriteCache::undoCache())
-            c->remove(undoId);
+        sprites->undoCache()->remove(undoId);
 }
 
 void SpriteChangeImage::hold(int sprite)
 {
     const QSpriteItem *it = sprites->item(sprite);
-    QSpriteCache *c = undoCache();
+    QSpriteCache *c = sprites->undoCache();
     if (it) {
         filter = it->filter;
         width = it->width;
@@ -114,7 +103,7 @@ void SpriteChangeImage::hold(int sprite)
 
 void SpriteChangeImage::giveTo(int sprite) const
 {
-    const quint32 id = hasEntry ? sprites->cache.copyEntry(*undoCache(), undoId) : 0;
+    const quint32 id = hasEntry ? sprites->cache.copyEntry(*sprites->undoCache(), undoId) : 0;
     sprites->adoptEntry(sprite, id, filter, QSpriteSize(width, height, imageFormat));
 }
 
@@ -124,7 +113,7 @@ void SpriteChangeImage::swapImage()
     if (!sprites->item(i))
         return;
     // Take the held image out before holding the current one in its place.
-    const quint32 id = hasEntry ? sprites->cache.copyEntry(*undoCache(), undoId) : 0;
+    const quint32 id = hasEntry ? sprites->cache.copyEntry(*sprites->undoCache(), undoId) : 0;
     const quint16 f = filter;
     const QSpriteSize size(width, height, imageFormat);
     hold(i);

@@ -1,7 +1,7 @@
 #include <QtTest>
 
 #include "shell/qaction2.h"
-#include "shell/qappobjects.h"
+#include "approot.h"
 #include "shell/qcolorsetmanager.h"
 #include "shell/qiconsetmanager.h"
 #include "base/qlifecyclelog.h"
@@ -97,16 +97,21 @@ class TestEditorFramework : public QObject
     Q_OBJECT
 
     QTemporaryDir m_presets;
-    QString m_config;
-    MainWindow *m_window = nullptr;
+    QTemporaryDir m_home;
+    std::unique_ptr<QAppRoot> m_root;
     QStringList m_xmlFailures;
 
-    QInterface *ui() const { return Bf::mainInterface; }
+    QInterface *ui() const { return m_root->controller(); }
     void writePreset(const QString &name, const QByteArray &body)
     {
         QFile f(m_presets.filePath(name + ".xml"));
         QVERIFY(f.open(QIODevice::WriteOnly));
         f.write(body);
+    }
+    QPresetManager testPresets()
+    {
+        const QAppObjects &o = m_root->objects();
+        return QPresetManager({m_presets.path()}, o.iconsets, o.stylesheets, o.colorsets);
     }
     bool applyTest(const QString &name, QPresetManager &pm)
     {
@@ -116,17 +121,13 @@ class TestEditorFramework : public QObject
 private slots:
     void initTestCase()
     {
-        m_config = QCoreApplication::applicationDirPath() + "/config.xml";
-        QFile::remove(m_config);
         QXmlHelper::setFailureHandler([this](const QString &m) { m_xmlFailures << m; });
-        MainWindow::setCloseQuestion([](QWidget *) { return true; });
-        m_window = new MainWindow;
+        m_root = TestSupport::startProgram(m_home.path());
     }
     void init() { m_xmlFailures.clear(); }
     void cleanupTestCase()
     {
-        delete m_window;
-        QFile::remove(m_config);
+        m_root.reset();
     }
 
     void registrationTable()
@@ -284,7 +285,7 @@ private slots:
     void presetPlacement()
     {
         QVERIFY(m_presets.isValid());
-        QPresetManager pm(m_presets.path());
+        QPresetManager pm = testPresets();
         pm.setDpiOverride(192); // everything doubles
         writePreset("Twice", R"(<!DOCTYPE ORVPresetML>
 <preset panel-metric="150,4,20" extra-metric="bad">
@@ -382,8 +383,8 @@ private slots:
         QCOMPARE(ui()->leftPanel()->minimumWidth(), 220);
         QCOMPARE(ui()->leftPanel()->titleHeight(), 30);
         QCOMPARE(ui()->toolbarEntries().value("main").iconSize, 24);
-        QCOMPARE(Bf::iconsets->current(), QStringLiteral("Classic"));
-        QCOMPARE(Bf::colorsets->current(), QStringLiteral("Classic"));
+        QCOMPARE(m_root->objects().iconsets->current(), QStringLiteral("Classic"));
+        QCOMPARE(m_root->objects().colorsets->current(), QStringLiteral("Classic"));
         pm.setDpiOverride(40); // a low density never shrinks to nothing
         QVERIFY(applyTest("Bare", pm));
         QCOMPARE(pm.scale(), 1);
@@ -394,8 +395,8 @@ private slots:
         // The preset that ships lays out every editor's toolbar and the
         // editor buttons; every key in it is a real action.
         QMap<QString, QToolBarEntry> &entries = ui()->toolbarEntries();
-        Bf::presets->setDpiOverride(96);
-        QVERIFY(Bf::presets->apply(ui(), "Classic", QString(), QString(), QString()));
+        m_root->objects().presets->setDpiOverride(96);
+        QVERIFY(m_root->objects().presets->apply(ui(), "Classic", QString(), QString(), QString()));
         for (const char *tag : {"main", "extra", "definitions", "sprites", "animations", "commands",
                                 "states", "sounds", "docs"})
             QVERIFY2(entries.contains(tag), tag);
@@ -496,8 +497,8 @@ private slots:
 
         QCOMPARE(QStylesheetManager::prepare("a{margin:[10]px;}", "Blue"), QStringLiteral("a{margin:10px;}"));
         QCOMPARE(QStylesheetManager::prepare("[3]x", "Blue"), QStringLiteral("x"));
-        QCOMPARE(QStylesheetManager::prepare("b{image:url(a.png)} c{image:url(b.png)}", "Blue"),
-                 QStringLiteral("b{image:url(styles/Blue/a.png)} c{image:url(styles/Blue/b.png)}"));
+        QCOMPARE(QStylesheetManager::prepare("b{image:url(a.png)} c{image:url(b.png)}", "/data/styles/Blue"),
+                 QStringLiteral("b{image:url(/data/styles/Blue/a.png)} c{image:url(/data/styles/Blue/b.png)}"));
 
         QTemporaryDir dir;
         QFile custom(dir.filePath("Custom.xml"));
@@ -505,7 +506,7 @@ private slots:
         custom.write("<!DOCTYPE ORVColorsML><colors><color name=\"line\" value=\"1,2,3\"/>"
                      "<color name=\"comment\" value=\"1,2\" bold=\"true\"/></colors>");
         custom.close();
-        QColorsetManager colors(dir.path());
+        QColorsetManager colors({dir.path()});
         QCOMPARE(colors.count(), 0); // Custom isn't listed
         QVERIFY(colors.load("Custom"));
         QCOMPARE(colors.color("line").color, QColor(1, 2, 3));

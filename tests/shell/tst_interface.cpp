@@ -9,7 +9,7 @@
 #include <QtTest>
 
 #include "shell/qaction2.h"
-#include "shell/qappobjects.h"
+#include "approot.h"
 #include "base/qmugenmodel.h"
 #include "project/qproject.h"
 #include "shell/mainwindow.h"
@@ -114,9 +114,6 @@ private:
 void TestInterface::initTestCase()
 {
     QVERIFY(m_dir.isValid());
-    QInterface::setStateFolder(m_dir.path());
-    // The main window writes its configuration beside the program: start clean.
-    QFile::remove(QCoreApplication::applicationDirPath() + "/config.xml");
     // Start from the shortcuts the program ships with.
     QVERIFY(QFile::copy(QStringLiteral(BF_SOURCE_DIR "/data/shortcuts.xml"), m_dir.filePath("shortcuts.xml")));
 }
@@ -124,14 +121,15 @@ void TestInterface::initTestCase()
 void TestInterface::init()
 {
     // Each case starts from the defaults, not from what the previous one saved.
-    QFile::remove(QCoreApplication::applicationDirPath() + "/config.xml");
+    QFile::remove(m_dir.filePath("config.xml"));
 }
 
 void TestInterface::closingTheOnlyTabLeavesTheNextEmptyProject()
 {
     Answers answers;
-    MainWindow w;
-    QInterface *ui = Bf::mainInterface;
+    auto root = TestSupport::startProgram(m_dir.path());
+    MainWindow &w = *root->window();
+    QInterface *ui = root->controller();
     QCOMPARE(ui->projectCount(), 1);
     QCOMPARE(ui->tabBar()->count(), 1);
     const QString first = ui->tabBar()->tabText(0);
@@ -172,8 +170,9 @@ void TestInterface::openingReplacesOnlyAnUntouchedFirstProject()
     Answers answers;
     const QString def = writeText(m_dir.filePath("stage1/arena.def"),
                                   "[Info]\r\nname = \"Arena\"\r\nmugenversion = 1.1\r\n[BGdef]\r\nspr = arena.sff\r\n");
-    MainWindow w;
-    QInterface *ui = Bf::mainInterface;
+    auto root = TestSupport::startProgram(m_dir.path());
+    MainWindow &w = *root->window();
+    QInterface *ui = root->controller();
     QCOMPARE(ui->projectCount(), 1);
     ui->openProject(def);
     QCOMPARE(ui->projectCount(), 1);
@@ -206,8 +205,9 @@ void TestInterface::openingReplacesOnlyAnUntouchedFirstProject()
 void TestInterface::canSaveRefusesWhatTheEngineCannotRead()
 {
     Answers answers;
-    MainWindow w;
-    QInterface *ui = Bf::mainInterface;
+    auto root = TestSupport::startProgram(m_dir.path());
+    MainWindow &w = *root->window();
+    QInterface *ui = root->controller();
     QProject project;
     QSprites *sprites = project.sprites();
 
@@ -241,8 +241,9 @@ void TestInterface::canSaveRefusesWhatTheEngineCannotRead()
 void TestInterface::saveAsAsksPaletteQuestionOnlyForOldCharacters()
 {
     Answers answers;
-    MainWindow w;
-    QInterface *ui = Bf::mainInterface;
+    auto root = TestSupport::startProgram(m_dir.path());
+    MainWindow &w = *root->window();
+    QInterface *ui = root->controller();
 
     // A stage: the name, the UTF-8 question, nothing about palettes.
     ui->currentProject()->definitions()->setText("[Info]\r\nname = \"Yard\"\r\n[BGdef]\r\nspr = yard.sff\r\n");
@@ -278,8 +279,9 @@ void TestInterface::saveAsAsksPaletteQuestionOnlyForOldCharacters()
 void TestInterface::shortcutsFollowTheCurrentEditor()
 {
     Answers answers;
-    MainWindow w;
-    QInterface *ui = Bf::mainInterface;
+    auto root = TestSupport::startProgram(m_dir.path());
+    MainWindow &w = *root->window();
+    QInterface *ui = root->controller();
     QActionManager &m = ui->actionManager();
     QAction2 *a = m.addAction({1, -1}, "test_spr_key", 72);
     QAction2 *b = m.addAction({4, -1}, "test_st_key", 203);
@@ -312,8 +314,9 @@ void TestInterface::shortcutsFollowTheCurrentEditor()
 void TestInterface::actionListDockSideAndViewSwitches()
 {
     Answers answers;
-    MainWindow w;
-    QInterface *ui = Bf::mainInterface;
+    auto root = TestSupport::startProgram(m_dir.path());
+    MainWindow &w = *root->window();
+    QInterface *ui = root->controller();
     auto *dock = w.findChild<QDockWidget *>();
     QVERIFY(dock);
     // With nothing stored, the list is shown.
@@ -321,10 +324,10 @@ void TestInterface::actionListDockSideAndViewSwitches()
     QVERIFY(ui->actionManager().action("view_actions")->isChecked());
 
     w.addDockWidget(Qt::LeftDockWidgetArea, dock);
-    (*Bf::config)["action_list_area"] = "0";
+    (*root->objects().config)["action_list_area"] = "0";
     ui->restoreControllerState();
     QCOMPARE(w.dockWidgetArea(dock), Qt::RightDockWidgetArea);
-    (*Bf::config)["action_list_area"] = "1";
+    (*root->objects().config)["action_list_area"] = "1";
     ui->restoreControllerState();
     QCOMPARE(w.dockWidgetArea(dock), Qt::LeftDockWidgetArea);
 
@@ -336,8 +339,8 @@ void TestInterface::actionListDockSideAndViewSwitches()
     QVERIFY(!dock->isHidden());
     ui->actionManager().action("view_left_panel")->setChecked(false);
     ui->saveControllerState();
-    QCOMPARE((*Bf::config)["show_left_panel"].toBool(), false);
-    QCOMPARE((*Bf::config)["action_list_area"].toInt(), int(Qt::LeftDockWidgetArea));
+    QCOMPARE((*root->objects().config)["show_left_panel"].toBool(), false);
+    QCOMPARE((*root->objects().config)["action_list_area"].toInt(), int(Qt::LeftDockWidgetArea));
     QVERIFY(QFile::exists(m_dir.filePath("shortcuts.xml")));
     QVERIFY(QFile::exists(m_dir.filePath("history.xml")));
 
@@ -363,8 +366,9 @@ void TestInterface::statusTextAndMenus()
     QCOMPARE(QInterface::projectStatusText(8, 0x0a0b0000), QString("Project: Font, Version: M.U.G.E.N. 10.11"));
 
     Answers answers;
-    MainWindow w;
-    QInterface *ui = Bf::mainInterface;
+    auto root = TestSupport::startProgram(m_dir.path());
+    MainWindow &w = *root->window();
+    QInterface *ui = root->controller();
     QCOMPARE(ui->projectStatusLabel()->text(), QString("Project: Character, Version: M.U.G.E.N. 1.1"));
     for (int i = 0; i < QInterface::StatusFieldCount; ++i)
         QVERIFY(ui->statusField(i)->minimumWidth() >= 250);
@@ -414,10 +418,11 @@ void TestInterface::sampleCharacterOpensAndSavesAgain()
 {
     BF_REQUIRE_SAMPLE();
     Answers answers;
-    MainWindow w;
+    auto root = TestSupport::startProgram(m_dir.path());
+    MainWindow &w = *root->window();
     w.resize(1000, 700);
     w.show();
-    QInterface *ui = Bf::mainInterface;
+    QInterface *ui = root->controller();
     ui->openProject(TestSupport::samplePath("chars/kfm/kfm.def"));
     QCOMPARE(ui->projectCount(), 1);
     QCOMPARE(ui->tabBar()->tabText(0), QString("Kung Fu Man"));
@@ -458,7 +463,6 @@ void TestInterface::sampleCharacterOpensAndSavesAgain()
 
 void TestInterface::cleanupTestCase()
 {
-    QFile::remove(QCoreApplication::applicationDirPath() + "/config.xml");
 }
 
 QTEST_MAIN(TestInterface)

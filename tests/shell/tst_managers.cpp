@@ -114,7 +114,7 @@ private slots:
         img.fill(Qt::blue);
         QVERIFY(img.save(root + "/iconsets/Blue/save.png"));
         QVERIFY(writeFile(root + "/iconsets/Broken/Iconset.xml", "<iconset><icon"));
-        QIconsetManager icons(root + "/iconsets");
+        QIconsetManager icons({root + "/iconsets"});
         QCOMPARE(icons.count(), 2);
         QActionManager am;
         QAction2 *save = am.addAction({1, -1}, "spr_save", 72);
@@ -181,17 +181,23 @@ private slots:
         QVERIFY(writeFile(root + "/sctrls/notes.txt", "x"));
         QVERIFY(writeFile(root + "/snippets/b.xml", "<snippet/>"));
         QVERIFY(writeFile(root + "/snippets/a.xml", "<snippet/>"));
-        QSCtrlManager sctrls(root + "/sctrls");
+        QSCtrlManager sctrls({root + "/sctrls"});
         QCOMPARE(sctrls.names(), QStringList{"ChangeState"});
         QCOMPARE(sctrls.data(sctrls.index(0)).toString(), QStringLiteral("ChangeState"));
         QVERIFY(writeFile(root + "/sctrls/Explod.sctrl", "x"));
-        QSignalSpy inserted(&sctrls, &QAbstractItemModel::rowsInserted);
+        QSignalSpy reset(&sctrls, &QAbstractItemModel::modelReset);
         sctrls.refresh();
         QCOMPARE(sctrls.rowCount(), 2);
-        QCOMPARE(inserted.count(), 1);
-        QSnippetManager snippets(root + "/snippets");
-        QCOMPARE(snippets.names(), (QStringList{"a", "b"}));
-        QSnippetManager nothing(root + "/none");
+        QCOMPARE(reset.count(), 1);
+        // Several folders, the user's first: a name found twice is the first one's.
+        QVERIFY(writeFile(root + "/own/snippets/b.xml", "<snippet own=\"1\"/>"));
+        QVERIFY(writeFile(root + "/own/snippets/c.xml", "<snippet/>"));
+        QSnippetManager snippets({root + "/own/snippets", root + "/snippets", root + "/none"});
+        QCOMPARE(snippets.names(), (QStringList{"a", "b", "c"}));
+        QCOMPARE(snippets.filePath("b"), root + "/own/snippets/b.xml");
+        QCOMPARE(snippets.filePath("a"), root + "/snippets/a.xml");
+        QCOMPARE(snippets.newFilePath("d"), root + "/own/snippets/d.xml");
+        QSnippetManager nothing({root + "/none"});
         QCOMPARE(nothing.rowCount(), 0);
 
         // Scripts: categories are folders, scripts are .lua files in them.

@@ -6,6 +6,7 @@
 #include "sprites/qbypasscachefilter.h"
 #include "sprites/qrle8cachefilter.h"
 #include "sprites/qspritecache.h"
+#include "sprites/qsprites.h"
 
 class TestSpriteCache : public QObject
 {
@@ -291,24 +292,29 @@ void TestSpriteCache::handlesAndRevisions()
 
 void TestSpriteCache::undoCache()
 {
-    QVERIFY(QSpriteCache::undoCache() == nullptr);
-    QSpriteCache *undo = QSpriteCache::createUndoCache();
-    QVERIFY(undo);
-    QCOMPARE(QSpriteCache::createUndoCache(), undo);
-    QCOMPARE(QSpriteCache::undoCache(), undo);
-    QCOMPARE(undo->mode(), int(QSpriteCache::TemporaryFile));
-    QVERIFY(undo->compression());
-    QCOMPARE(undo->level(), -1);
-    QVERIFY(QFileInfo(undo->fileName()).fileName().startsWith(QStringLiteral("sprUndo")));
-    const quint32 id = undo->add(QByteArray(2000, 'u'), true);
-    QVERIFY(undo->fileSize() < 2000);
-    QByteArray out;
-    QVERIFY(undo->get(id, out));
-    QCOMPARE(out, QByteArray(2000, 'u'));
-    const QString name = undo->fileName();
-    QSpriteCache::destroyUndoCache();
-    QVERIFY(QSpriteCache::undoCache() == nullptr);
+    // A store without the program's shared undo cache makes its own: a
+    // compressed temporary file, gone with the store.
+    QString name;
+    {
+        QSprites own;
+        QSpriteCache *undo = own.undoCache();
+        QCOMPARE(own.undoCache(), undo);
+        QCOMPARE(undo->mode(), int(QSpriteCache::TemporaryFile));
+        QVERIFY(undo->compression());
+        QVERIFY(QFileInfo(undo->fileName()).fileName().startsWith(QStringLiteral("sprUndo")));
+        const quint32 id = undo->add(QByteArray(2000, 'u'), true);
+        QVERIFY(undo->fileSize() < 2000);
+        QByteArray out;
+        QVERIFY(undo->get(id, out));
+        QCOMPARE(out, QByteArray(2000, 'u'));
+        name = undo->fileName();
+        QVERIFY(QFile::exists(name));
+    }
     QVERIFY(!QFile::exists(name));
+    QSpriteCache shared;
+    QSprites given;
+    given.setUndoCache(&shared);
+    QCOMPARE(given.undoCache(), &shared);
 }
 
 QTEST_GUILESS_MAIN(TestSpriteCache)

@@ -210,7 +210,6 @@ private slots:
     void initTestCase()
     {
         QBFCacheFilter::createFilters();
-        QSpriteCache::createUndoCache();
     }
 
     void modelAndLookups();

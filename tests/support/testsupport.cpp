@@ -13,6 +13,11 @@ QString sampleDir()
     return QFileInfo(dir).isDir() ? QDir::cleanPath(dir) : QString();
 }
 
+bool sampleRequired()
+{
+    return qEnvironmentVariable("CI").compare(QLatin1String("true"), Qt::CaseInsensitive) == 0;
+}
+
 QString samplePath(const QString &relative)
 {
     return QDir(sampleDir()).absoluteFilePath(relative);

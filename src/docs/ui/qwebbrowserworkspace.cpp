@@ -1,15 +1,15 @@
 #include "qwebbrowserworkspace.h"
 
-#include "shell/qappobjects.h"
+#include "base/qapppaths.h"
 #include "base/qmugenmodel.h"
 
-#include <QCoreApplication>
 #include <QFileInfo>
 #include <QTextBrowser>
 #include <QUrl>
 
-QWebBrowserWorkspace::QWebBrowserWorkspace(QObject *parent)
+QWebBrowserWorkspace::QWebBrowserWorkspace(const QAppObjects &objects, QObject *parent)
     : QInterfaceWorkspace(parent)
+    , m_objects(objects)
 {
     auto *b = new QTextBrowser;
     b->setObjectName(QStringLiteral("docsBrowser"));
@@ -37,8 +37,9 @@ void QWebBrowserWorkspace::activate()
     if (m_loaded || !browser())
         return;
     m_loaded = true;
-    const QString language = Bf::config ? (*Bf::config)[QStringLiteral("language")].toString() : QString();
-    const QString page = indexPage(QCoreApplication::applicationDirPath() + QStringLiteral("/docs"), language);
+    const QString language = m_objects.config ? m_objects.config->text(QStringLiteral("language")) : QString();
+    const QString docs = m_objects.paths ? m_objects.paths->dataPath(QStringLiteral("docs")) : QString();
+    const QString page = indexPage(docs, language);
     if (QFileInfo::exists(page))
         browser()->setSource(QUrl::fromLocalFile(page));
     else

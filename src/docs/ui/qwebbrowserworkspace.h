@@ -1,5 +1,6 @@
 #pragma once
 
+#include "shell/qappobjects.h"
 #include "shell/qinterfaceworkspace.h"
 
 class QTextBrowser;
@@ -11,7 +12,7 @@ class QWebBrowserWorkspace : public QInterfaceWorkspace
     Q_OBJECT
 
 public:
-    explicit QWebBrowserWorkspace(QObject *parent = nullptr);
+    explicit QWebBrowserWorkspace(const QAppObjects &objects, QObject *parent = nullptr);
 
     int id() const override { return 2; }
     QString name() const override { return QStringLiteral("browser"); }
@@ -23,5 +24,6 @@ public:
 
 private:
     QTextBrowser *browser() const;
+    QAppObjects m_objects;
     bool m_loaded = false;
 };
