@@ -48,7 +48,25 @@ void QEntryFolder::refresh()
 
 QString QEntryFolder::filePath(const QString &name) const
 {
-    return m_paths.value(name);
+    const auto it = m_paths.constFind(name);
+    if (it != m_paths.constEnd())
+        return it.value();
+    // An entry made since the last listing is found all the same.
+    if (name.isEmpty() || name.contains(QLatin1Char('/')))
+        return QString();
+    for (const QString &folder : m_folders) {
+        const QString path = m_kind == Files ? folder + QLatin1Char('/') + name + suffix()
+                                             : folder + QLatin1Char('/') + name + QLatin1Char('/') + m_pattern;
+        if (QFileInfo(path).isFile())
+            return path;
+    }
+    return QString();
+}
+
+QString QEntryFolder::suffix() const
+{
+    // "*.xml" gives the suffix of an entry's file.
+    return m_pattern.startsWith(QLatin1String("*.")) ? m_pattern.mid(1) : QString();
 }
 
 QString QEntryFolder::entryFolder(const QString &name) const
@@ -61,9 +79,7 @@ QString QEntryFolder::newFilePath(const QString &name) const
 {
     if (m_kind == Folders)
         return folder() + QLatin1Char('/') + name + QLatin1Char('/') + m_pattern;
-    // "*.xml" gives the suffix a new file gets.
-    const QString suffix = m_pattern.startsWith(QLatin1String("*.")) ? m_pattern.mid(1) : QString();
-    return folder() + QLatin1Char('/') + name + suffix;
+    return folder() + QLatin1Char('/') + name + suffix();
 }
 
 int QEntryFolder::rowCount(const QModelIndex &parent) const

@@ -30,7 +30,8 @@ public:
     void setExcluded(const QStringList &names);
 
     // The file of an entry (for Folders, the fixed file inside its folder)
-    // and the folder that holds it; empty for an unknown name.
+    // and the folder that holds it; empty for an unknown name. An entry made
+    // since the last listing is found as well.
     QString filePath(const QString &name) const;
     QString entryFolder(const QString &name) const;
     // Where a new entry of this name is to be written: the first folder.
@@ -47,6 +48,8 @@ public:
     QVariant data(const QModelIndex &index, int role = Qt::DisplayRole) const override;
 
 private:
+    QString suffix() const;
+
     QStringList m_folders;
     Kind m_kind;
     QString m_pattern;

@@ -477,14 +477,19 @@ private slots:
         QCOMPARE(stored.value(QStringLiteral("spr_path")), QStringLiteral("/mine"));
         QCOMPARE(p.path(QStringLiteral("gif_path")), QString());
 
-        const QProjectSettings fromMap = QProjectSettings::fromMap(
-            {{QStringLiteral("cache_type"), QStringLiteral("1")}, {QStringLiteral("proj_path"), QStringLiteral("/p")}});
-        QCOMPARE(fromMap.cacheType, 1);
-        QCOMPARE(fromMap.paths.value(QStringLiteral("proj_path")), QStringLiteral("/p"));
-        // Compression is a boolean key: "true" read from the file and true set in code.
-        QCOMPARE(QProjectSettings::fromMap({{QStringLiteral("cache_compression"), QStringLiteral("true")}}).cacheCompression, 1);
-        QCOMPARE(QProjectSettings::fromMap({{QStringLiteral("cache_compression"), true}}).cacheCompression, 1);
-        QCOMPARE(QProjectSettings::fromMap({{QStringLiteral("cache_compression"), QStringLiteral("false")}}).cacheCompression, 0);
+        QMugenModel config;
+        config.set(QStringLiteral("cache_type"), QStringLiteral("1"));
+        config.set(QStringLiteral("proj_path"), QStringLiteral("/p"));
+        const QProjectSettings fromConfig = QProjectSettings::fromConfig(config);
+        QCOMPARE(fromConfig.cacheType, 1);
+        QCOMPARE(fromConfig.paths.value(QStringLiteral("proj_path")), QStringLiteral("/p"));
+        // Compression is a switch: "true" read from the file and true set in code.
+        for (const QVariant &on : {QVariant(QStringLiteral("true")), QVariant(true), QVariant(QStringLiteral("1"))}) {
+            config.set(QStringLiteral("cache_compression"), on);
+            QCOMPARE(QProjectSettings::fromConfig(config).cacheCompression, 1);
+        }
+        config.set(QStringLiteral("cache_compression"), QStringLiteral("false"));
+        QCOMPARE(QProjectSettings::fromConfig(config).cacheCompression, 0);
     }
 };
 

@@ -73,4 +73,4 @@ void TestSffSaveSpr::cancelGivesZero()
 }
 
 QTEST_MAIN(TestSffSaveSpr)
-#include "tst_sffsavespr.moc"
+#include "tst_savespr.moc"
