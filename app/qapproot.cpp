@@ -13,6 +13,7 @@
 #include "scripting/qsnippetmanager.h"
 #include "shell/mainwindow.h"
 #include "shell/qcolorsetmanager.h"
+#include "shell/qeditorregistry.h"
 #include "shell/qiconsetmanager.h"
 #include "shell/qinterface.h"
 #include "shell/qlanguagemanager.h"
@@ -67,11 +68,12 @@ void QAppRoot::registerEditors()
 {
     // Each subsystem brings its workspaces, editors and extra editors; the
     // registry orders them by their numbers, whatever the order here.
-    registerCodeEditors(*m_controller, m_objects);
-    registerSpriteEditors(*m_controller, m_objects);
-    registerAnimationEditors(*m_controller, m_objects);
-    registerSoundEditors(*m_controller, m_objects);
-    registerDocsEditors(*m_controller, m_objects);
+    QEditorRegistry &registry = m_controller->registry();
+    registerCodeEditors(registry, m_objects);
+    registerSpriteEditors(registry, m_objects);
+    registerAnimationEditors(registry, m_objects);
+    registerSoundEditors(registry, m_objects);
+    registerDocsEditors(registry, m_objects);
 }
 
 QAppRoot::~QAppRoot()

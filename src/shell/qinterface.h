@@ -1,53 +1,37 @@
 #pragma once
 
-#include "code/qquickfindoption.h"
 #include "qactionmanager.h"
 #include "qappobjects.h"
-#include "qtoolbarentry.h"
 
 #include <QMap>
 #include <QObject>
 #include <QPointer>
 
 #include <functional>
-#include <map>
-#include <memory>
 
-class QAction;
-class QActionGroup;
+class ErrorDlg;
 class QDockWidget;
+class QEditorRegistry;
+class QHistoryManager;
 class QListView;
 class QMainWindow;
 class QMenu;
-class QPanelWidget;
-class QProject;
-class QStackedLayout;
-class QTabBar;
-class QToolBar;
-class QWidget;
-class QInterfaceControl;
-class QInterfaceEditor;
-class QInterfaceExtraEditor;
-class QInterfaceWorkspace;
-// controller
-class ErrorDlg;
-class QHistoryManager;
-class QLabel;
 class QModelIndex;
+class QProject;
+class QWindowLayout;
 struct QRGBPal;
 enum class QProjectFile : int;
 
-// The controller of the main window: it lays out the central widget, keeps
-// the registered editors, workspaces, extra editors and preset controls, and
-// routes edit commands to the current editor.
+// The controller of the main window: the menus and their commands, the tabs
+// of open projects and the flows that open, save, back up and close them,
+// the answers to the questions projects ask, and what is kept between runs.
+// The window's layout and the registry of editors are its two helpers.
 class QInterface : public QObject
 {
     Q_OBJECT
 
 public:
-    static constexpr int NoEditor = 8;
-    static constexpr int NoWorkspace = 3;
-    static constexpr int NoExtraEditor = 3;
+    static constexpr int HistorySize = 20;
 
     QInterface(QMainWindow *window, QDockWidget *actionDock, QListView *actionList, const QAppObjects &objects);
     ~QInterface() override;
@@ -55,139 +39,15 @@ public:
     // The finishing step of start-up, once everything is registered.
     void init();
 
-    // Registration (the registry takes ownership).
-    void addWorkspace(std::unique_ptr<QInterfaceWorkspace> workspace);
-    void addEditor(std::unique_ptr<QInterfaceEditor> editor);
-    void addExtraEditor(std::unique_ptr<QInterfaceExtraEditor> editor);
-    void addControl(const QString &name, std::unique_ptr<QInterfaceControl> control);
-    void setControlEnabled(const QString &name, bool enabled);
-
     QActionManager &actionManager() { return m_actions; }
     const QAppObjects &objects() const { return m_objects; }
     QMainWindow *window() const { return m_window; }
+    QWindowLayout &layout() { return *m_layout; }
+    QEditorRegistry &registry() { return *m_registry; }
 
-    // What a preset lays out.
-    QMap<QString, QToolBarEntry> &toolbarEntries() { return m_toolbarEntries; }
-    QInterfaceControl *control(const QString &name) const;
-    QList<QInterfaceControl *> controls() const;
-    QWidget *editorPanel(const QString &tag) const { return m_editorPanels.value(tag); }
-    QWidget *extraPanel(const QString &name) const { return m_extraPanels.value(name); }
-    QPanelWidget *leftPanel() const { return m_leftPanel; }
-    QPanelWidget *rightPanel() const { return m_rightPanel; }
-    QToolBar *mainToolBar() const { return m_mainToolBar; }
-    QToolBar *extraToolBar() const { return m_extraToolBar; }
-    QToolBar *editorToolBar() const { return m_editorToolBar; }
-
-    QInterfaceEditor *editor(int id) const;
-    QInterfaceWorkspace *workspace(int id) const;
-    QInterfaceExtraEditor *extraEditor(int id) const;
-    QAction *editorAction(int id) const { return m_editorActions.value(id); }
-    QActionGroup *editorGroup() const { return m_editorGroup; }
-    int currentEditorId() const { return m_currentEditor; }
-    int currentWorkspaceId() const { return m_currentWorkspace; }
-    int currentExtraEditorId() const { return m_currentExtra; }
     QProject *currentProject() const { return m_currentProject; }
     QList<QProject *> projects() const { return m_projects; }
-    // Asks every editor, each in turn and all of them, whether the project
-    // may close; true only if none refuses.
-    bool canCloseProject(QProject *project);
-    QTabBar *tabBar() const { return m_tabBar; }
-
-    // Shows each editor's button as the project type allows, and moves the
-    // current editor to a visible one if it lost its button.
-    void applyProjectType(int projectType);
-
-public slots:
-    void editorSwitch(QAction *action);
-    void editorSwitch(int id);
-    void setExtraEditor(int id);
-    // Hands a new current project to every extra editor, editor and workspace.
-    void setCurrentProject(QProject *project);
-    void newProject(bool withTemplate = false);
-    void applyConfig();
-    void retranslate();
-    void updateEditorName();
-    void updateExtraEditorName();
-    void rebuildToolMenu();
-    void toolActivated();
-    void editorNew();
-    void editorOpen();
-    void editorSave();
-    void editorSaveAs();
-
-signals:
-    void editUndo();
-    void editRedo();
-    void editCut();
-    void editCopy();
-    void editPaste();
-    void editFind(const QString &text, const QQuickFindOptions &options);
-    void editReplace(const QString &text, const QString &with, const QQuickFindOptions &options,
-                     bool all);
-
-private:
-    void buildLayout();
-    void buildActions();
-    void buildToolBars();
-    void restoreState();
-    void saveState();
-    void connectEditor(QInterfaceEditor *editor);
-    void disconnectEditor(QInterfaceEditor *editor);
-    void fillToolBar(QToolBar *bar, const QList<const QToolBarEntry *> &entries);
-    void showPanels();
-
-    QAppObjects m_objects;
-    QActionManager m_actions;
-    QPointer<QDockWidget> m_actionDock;
-    QPointer<QListView> m_actionList;
-    QMainWindow *m_window;
-
-    QToolBar *m_mainToolBar = nullptr;
-    QToolBar *m_extraToolBar = nullptr;
-    QToolBar *m_editorToolBar = nullptr;
-    QMap<QString, QToolBarEntry> m_toolbarEntries;
-
-    QPanelWidget *m_leftPanel = nullptr;
-    QPanelWidget *m_rightPanel = nullptr;
-    QStackedLayout *m_leftStack = nullptr;
-    QStackedLayout *m_rightStack = nullptr;
-    QMap<QString, QWidget *> m_editorPanels;
-    QMap<QString, QWidget *> m_extraPanels;
-    QMap<int, QWidget *> m_editorPages;
-    QMap<int, QWidget *> m_extraPages;
-
-    QActionGroup *m_editorGroup = nullptr;
-    std::map<QString, std::unique_ptr<QInterfaceControl>> m_controls;
-
-    QTabBar *m_tabBar = nullptr;
-    QProject *m_currentProject = nullptr;
-    QList<QProject *> m_projects;
-    int m_projectCounter = 0;
-
-    int m_currentEditor = NoEditor;
-    std::map<int, std::unique_ptr<QInterfaceEditor>> m_editors;
-    QMap<int, QAction *> m_editorActions;
-    int m_currentExtra = NoExtraEditor;
-    std::map<int, std::unique_ptr<QInterfaceExtraEditor>> m_extraEditors;
-    QStackedLayout *m_centralStack = nullptr;
-    int m_currentWorkspace = NoWorkspace;
-    std::map<int, std::unique_ptr<QInterfaceWorkspace>> m_workspaces;
-    QMap<int, QWidget *> m_workspacePages;
-
-    bool m_showLeftPanel = true;
-    bool m_showRightPanel = true;
-
-    // ---- controller: menus, project tabs, file flows, window state ---------
-public:
-    static constexpr int StatusFieldCount = 4;
-    static constexpr int HistorySize = 20;
-
     int projectCount() const { return int(m_projects.size()); }
-    QLabel *statusField(int i) const { return m_statusFields.value(i); }
-    // Shows text in a status field; an empty text hides the field, so that
-    // the project status keeps its room in a narrow window.
-    void setStatusText(int field, const QString &text);
-    QLabel *projectStatusLabel() const { return m_projectStatus; }
     QHistoryManager *history() const { return m_history; }
     QMenu *recentMenu() const { return m_recentMenu; }
     ErrorDlg *issuesDialog() const { return m_issues; }
@@ -207,6 +67,14 @@ public:
     void saveControllerState();
 
 public slots:
+    // Makes a project current: the registry hands it to every editor.
+    void setCurrentProject(QProject *project);
+    void newProject(bool withTemplate = false);
+    void applyConfig();
+    void retranslate();
+    void rebuildToolMenu();
+    void toolActivated();
+
     void fileNew();
     void fileOpen();
     void openProject(const QString &fileName);
@@ -249,11 +117,11 @@ private:
     QString configString(const char *key) const;
     bool configFlag(const char *key, bool fallback) const;
     QString shortcutsFile() const;
+    void buildActions();
     void buildControllerUi();
     void buildProjectMenu();
     void buildViewMenu();
     void buildToolsAndHelpMenus();
-    void buildStatusBar();
     void releaseProjects();
     QProject *createProject();
     void connectProject(QProject *project);
@@ -263,8 +131,18 @@ private:
     void askPaletteSaves(QProject *project, const QString &title, bool oneByOne);
     void registerDialog(const QString &tag, QWidget *dialog);
 
-    QList<QLabel *> m_statusFields;
-    QLabel *m_projectStatus = nullptr;
+    QAppObjects m_objects;
+    QActionManager m_actions;
+    QPointer<QDockWidget> m_actionDock;
+    QPointer<QListView> m_actionList;
+    QMainWindow *m_window;
+    QWindowLayout *m_layout = nullptr;     // children of this object
+    QEditorRegistry *m_registry = nullptr;
+
+    QProject *m_currentProject = nullptr;
+    QList<QProject *> m_projects;
+    int m_projectCounter = 0;
+
     QMenu *m_recentMenu = nullptr;
     QHistoryManager *m_history = nullptr; // child of this object
     ErrorDlg *m_issues = nullptr;
@@ -275,6 +153,4 @@ private:
     QAction *m_viewOrganizer = nullptr;
     QMap<QString, QPointer<QWidget>> m_dialogs;
     QMap<QString, JumpHandler> m_jumpHandlers;
-    bool m_closingAll = false;
-    // ---- end of controller ---------------------------------------------------
 };

@@ -1,6 +1,9 @@
 // New, open, close, save and backup of projects, and the questions projects ask.
 #include "shell/qinterface.h"
 
+#include "qeditorregistry.h"
+#include "qwindowlayout.h"
+
 #include "base/qmugenmodel.h"
 #include "project/qproject.h"
 #include "shell/errordlg.h"
@@ -98,8 +101,8 @@ void QInterface::openFiles(const QStringList &fileNames)
 
 void QInterface::fileClose()
 {
-    if (m_tabBar->currentIndex() >= 0)
-        projTabsClosed(m_tabBar->currentIndex());
+    if (m_layout->tabBar()->currentIndex() >= 0)
+        projTabsClosed(m_layout->tabBar()->currentIndex());
 }
 
 void QInterface::fileCloseAll()
@@ -133,7 +136,7 @@ void QInterface::fileSave()
         return;
     }
     askPaletteSaves(project, tr("Save as..."), false);
-    updateEditorName();
+    m_registry->updateEditorName();
 }
 
 void QInterface::fileSaveAs()
@@ -155,7 +158,7 @@ void QInterface::fileSaveAs()
         project->saveAs(name, utf8);
     }
     askPaletteSaves(project, tr("Palettes"), true);
-    updateEditorName();
+    m_registry->updateEditorName();
 }
 
 void QInterface::askPaletteSaves(QProject *project, const QString &title, bool oneByOne)

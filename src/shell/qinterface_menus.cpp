@@ -1,6 +1,9 @@
 // Menus, the status bar and the small slots behind them.
 #include "shell/qinterface.h"
 
+#include "qeditorregistry.h"
+#include "qwindowlayout.h"
+
 #include "shell/qaction2.h"
 #include "base/qapppaths.h"
 #include "base/qmugenmodel.h"
@@ -36,7 +39,6 @@ void QInterface::buildControllerUi()
     registerDialog(QStringLiteral("issues"), m_issues);
     connect(m_issues, &ErrorDlg::itemClicked, this, &QInterface::itemClicked);
 
-    buildStatusBar();
     buildProjectMenu();
     buildViewMenu();
     buildToolsAndHelpMenus();
@@ -56,9 +58,9 @@ void QInterface::buildControllerUi()
         connect(m_actionList, &QAbstractItemView::clicked, this, &QInterface::actionChanged);
     }
 
-    connect(m_tabBar, &QTabBar::currentChanged, this, &QInterface::projTabsChanged);
-    connect(m_tabBar, &QTabBar::tabMoved, this, &QInterface::projTabsMoved);
-    connect(m_tabBar, &QTabBar::tabCloseRequested, this, &QInterface::projTabsClosed);
+    connect(m_layout->tabBar(), &QTabBar::currentChanged, this, &QInterface::projTabsChanged);
+    connect(m_layout->tabBar(), &QTabBar::tabMoved, this, &QInterface::projTabsMoved);
+    connect(m_layout->tabBar(), &QTabBar::tabCloseRequested, this, &QInterface::projTabsClosed);
 }
 
 void QInterface::buildProjectMenu()
@@ -182,31 +184,6 @@ void QInterface::buildToolsAndHelpMenus()
     }
 }
 
-void QInterface::buildStatusBar()
-{
-    QStatusBar *bar = m_window->statusBar();
-    for (int i = 0; i < StatusFieldCount; ++i) {
-        auto *field = new QLabel(bar);
-        field->setObjectName(QStringLiteral("statusField%1").arg(i));
-        field->setMinimumWidth(250);
-        bar->addWidget(field);
-        field->hide();
-        m_statusFields.append(field);
-    }
-    m_projectStatus = new QLabel(bar);
-    m_projectStatus->setObjectName(QStringLiteral("projectStatus"));
-    bar->addPermanentWidget(m_projectStatus);
-}
-
-void QInterface::setStatusText(int field, const QString &text)
-{
-    QLabel *label = m_statusFields.value(field);
-    if (!label)
-        return;
-    label->setText(text);
-    label->setVisible(!text.isEmpty());
-}
-
 void QInterface::registerDialog(const QString &tag, QWidget *dialog)
 {
     m_dialogs.insert(tag, dialog);
@@ -238,9 +215,7 @@ QString QInterface::projectStatusText(int projectType, quint32 version)
 
 void QInterface::updateProjectStatus()
 {
-    if (!m_projectStatus)
-        return;
-    m_projectStatus->setText(m_currentProject ? projectStatusText(int(m_currentProject->type()),
+    m_layout->projectStatusLabel()->setText(m_currentProject ? projectStatusText(int(m_currentProject->type()),
                                                                   m_currentProject->version())
                                               : QString());
 }
@@ -253,23 +228,23 @@ void QInterface::editFindToggled(bool show)
 
 void QInterface::viewLeftPanel(bool show)
 {
-    m_showLeftPanel = show;
-    showPanels();
+    m_layout->setPanelsWanted(show, m_layout->rightPanelWanted());
+    m_registry->showPanels();
 }
 
 void QInterface::viewRightPanel(bool show)
 {
-    m_showRightPanel = show;
-    showPanels();
+    m_layout->setPanelsWanted(m_layout->leftPanelWanted(), show);
+    m_registry->showPanels();
 }
 
 void QInterface::viewOrganizer(bool show)
 {
     // The organizer is extra editor 0; hiding it leaves the panel to the others.
     if (show)
-        setExtraEditor(0);
-    else if (m_currentExtra == 0)
-        setExtraEditor(NoExtraEditor);
+        m_registry->setExtraEditor(0);
+    else if (m_registry->currentExtraEditorId() == 0)
+        m_registry->setExtraEditor(QEditorRegistry::NoExtraEditor);
 }
 
 void QInterface::viewActions(bool show)

@@ -2,6 +2,9 @@
 // switches and the places of the floating dialogs.
 #include "shell/qinterface.h"
 
+#include "qeditorregistry.h"
+#include "qwindowlayout.h"
+
 #include "base/qapppaths.h"
 #include "base/qmugenmodel.h"
 #include "shell/qhistorymanager.h"

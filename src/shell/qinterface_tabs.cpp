@@ -1,6 +1,9 @@
 // The tab bar of open projects: creation, switching, moving and closing.
 #include "shell/qinterface.h"
 
+#include "qeditorregistry.h"
+#include "qwindowlayout.h"
+
 #include "base/qmugenmodel.h"
 #include "project/qproject.h"
 #include "shell/errordlg.h"
@@ -42,7 +45,7 @@ void QInterface::newProject(bool withTemplate)
     }
     ++m_projectCounter;
     addProjectTab(project);
-    m_tabBar->setTabText(int(m_projects.indexOf(project)), tr("Project %1").arg(m_projectCounter));
+    m_layout->tabBar()->setTabText(int(m_projects.indexOf(project)), tr("Project %1").arg(m_projectCounter));
 }
 
 QProject *QInterface::createProject()
@@ -75,9 +78,9 @@ void QInterface::addProjectTab(QProject *project)
 {
     m_projects.append(project);
     const QString name = project->name();
-    const int tab = m_tabBar->addTab(name.isEmpty() ? tr("Project") : name);
-    m_tabBar->setTabToolTip(tab, project->definitions()->fileName());
-    m_tabBar->setCurrentIndex(tab);
+    const int tab = m_layout->tabBar()->addTab(name.isEmpty() ? tr("Project") : name);
+    m_layout->tabBar()->setTabToolTip(tab, project->definitions()->fileName());
+    m_layout->tabBar()->setCurrentIndex(tab);
     // The first tab is current as soon as it exists, without a change signal
     // in every case: make sure the switch runs.
     if (m_currentProject != project)
@@ -113,7 +116,7 @@ bool QInterface::closeProject(int index)
     if (index < 0 || index >= m_projects.size())
         return false;
     QProject *project = m_projects.at(index);
-    if (!canCloseProject(project))
+    if (!m_registry->canCloseProject(project))
         return false;
     if (m_projects.size() == 1)
         newProject(false);
@@ -121,9 +124,9 @@ bool QInterface::closeProject(int index)
     m_projects.removeAt(at);
     if (m_currentProject == project)
         m_currentProject = nullptr;
-    m_tabBar->removeTab(at);
-    if (!m_currentProject && m_tabBar->currentIndex() >= 0)
-        projTabsChanged(m_tabBar->currentIndex());
+    m_layout->tabBar()->removeTab(at);
+    if (!m_currentProject && m_layout->tabBar()->currentIndex() >= 0)
+        projTabsChanged(m_layout->tabBar()->currentIndex());
     delete project;
     return true;
 }
@@ -133,15 +136,15 @@ void QInterface::changeTabName(QProject *project, const QString &name)
     const int at = int(m_projects.indexOf(project));
     if (at < 0 || name.isEmpty())
         return;
-    m_tabBar->setTabText(at, name);
-    m_tabBar->setTabToolTip(at, project->definitions()->fileName());
+    m_layout->tabBar()->setTabText(at, name);
+    m_layout->tabBar()->setTabToolTip(at, project->definitions()->fileName());
 }
 
 void QInterface::projTypeChanged(QProject *project)
 {
     if (!project || project != m_currentProject)
         return;
-    applyProjectType(int(project->type()));
+    m_registry->applyProjectType(int(project->type()));
     updateProjectStatus();
 }
 

@@ -5,7 +5,9 @@
 #include "shell/qiconsetmanager.h"
 #include "base/qlifecyclelog.h"
 #include "base/qxmlhelper.h"
-#include "qinterface.h"
+#include "qactionmanager.h"
+#include "qeditorregistry.h"
+#include "qwindowlayout.h"
 #include "qinterfacecontrol.h"
 #include "qpanelwidget.h"
 #include "qstylesheetmanager.h"
@@ -89,15 +91,13 @@ int QPresetManager::screenDpi() const
     return int(screen->physicalDotsPerInchX() / ratio);
 }
 
-bool QPresetManager::apply(QInterface *target, const QString &name, const QString &iconset,
+bool QPresetManager::apply(QEditorRegistry &target, const QString &name, const QString &iconset,
                            const QString &stylesheet, const QString &colorset)
 {
-    if (!target)
-        return false;
-    QMap<QString, QToolBarEntry> &entries = target->toolbarEntries();
+    QMap<QString, QToolBarEntry> &entries = target.toolbarEntries();
     for (QToolBarEntry &entry : entries)
         entry.actions.clear();
-    for (QInterfaceControl *c : target->controls())
+    for (QInterfaceControl *c : target.controls())
         c->clear();
 
     QDomDocument doc(QStringLiteral("ORVPresetML"));
@@ -115,17 +115,17 @@ bool QPresetManager::apply(QInterface *target, const QString &name, const QStrin
     if (m_iconsets)
         m_iconsets->apply(iconset.isEmpty() ? root.attribute(QStringLiteral("iconset"), classic)
                                               : iconset,
-                            &target->actionManager());
+                            &target.actionManager());
     if (m_colorsets)
         m_colorsets->load(colorset.isEmpty() ? root.attribute(QStringLiteral("colorset"), classic)
                                                : colorset);
 
     m_scale = qMax(1, screenDpi() / 96);
     const int s = m_scale;
-    applyMetric(target->leftPanel(), root.attribute(QStringLiteral("panel-metric"), QStringLiteral("220,0,30")), s);
-    applyMetric(target->rightPanel(), root.attribute(QStringLiteral("extra-metric"), QStringLiteral("220,0,30")), s);
+    applyMetric(target.layout().leftPanel(), root.attribute(QStringLiteral("panel-metric"), QStringLiteral("220,0,30")), s);
+    applyMetric(target.layout().rightPanel(), root.attribute(QStringLiteral("extra-metric"), QStringLiteral("220,0,30")), s);
 
-    const QTranslationUnit &tu = target->actionManager().translation();
+    const QTranslationUnit &tu = target.actionManager().translation();
     QList<QWidget *> placed;
     for (QDomElement e = root.firstChildElement(); !e.isNull(); e = e.nextSiblingElement()) {
         if (e.tagName() == QLatin1String("toolbar")) {
@@ -135,7 +135,7 @@ bool QPresetManager::apply(QInterface *target, const QString &name, const QStrin
                 if (b.tagName() == QLatin1String("separator")) {
                     entry.actions.append(nullptr);
                 } else if (b.tagName() == QLatin1String("button")) {
-                    if (QAction2 *a = target->actionManager().action(b.attribute(QStringLiteral("name")))) {
+                    if (QAction2 *a = target.actionManager().action(b.attribute(QStringLiteral("name")))) {
                         a->setEnabled(true);
                         entry.actions.append(a);
                     }
@@ -145,13 +145,13 @@ bool QPresetManager::apply(QInterface *target, const QString &name, const QStrin
             const QString panelName = e.attribute(QStringLiteral("name"));
             const bool editorSide = e.attribute(QStringLiteral("parent"), QStringLiteral("editor"))
                                     == QLatin1String("editor");
-            QWidget *page = editorSide ? target->editorPanel(panelName) : target->extraPanel(panelName);
+            QWidget *page = editorSide ? target.editorPanel(panelName) : target.extraPanel(panelName);
             if (!page)
                 continue;
             for (QDomElement c = e.firstChildElement(QStringLiteral("control")); !c.isNull();
                  c = c.nextSiblingElement(QStringLiteral("control"))) {
                 const QString controlName = c.attribute(QStringLiteral("name"));
-                QInterfaceControl *control = target->control(controlName);
+                QInterfaceControl *control = target.control(controlName);
                 if (!control)
                     continue;
                 int x = 0, y = 0, w = -1, h = -1;

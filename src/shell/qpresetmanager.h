@@ -4,7 +4,7 @@
 
 class QColorsetManager;
 class QIconsetManager;
-class QInterface;
+class QEditorRegistry;
 class QStylesheetManager;
 
 // The layout presets (one XML file each). Applying one lays out the
@@ -26,7 +26,7 @@ public:
     // Given non-empty names of icon set, style sheet and colour set win over
     // the preset's own. Returns false when the preset is missing or isn't one;
     // the interface then has empty toolbars and no placed controls.
-    bool apply(QInterface *target, const QString &name, const QString &iconset,
+    bool apply(QEditorRegistry &target, const QString &name, const QString &iconset,
                const QString &stylesheet, const QString &colorset);
 
     // Fixes the dots per inch used for scaling (0: ask the screen).

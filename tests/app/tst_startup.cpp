@@ -6,7 +6,9 @@
 #include "base/qxmlhelper.h"
 #include "shell/mainwindow.h"
 #include "shell/qaction2.h"
+#include "shell/qeditorregistry.h"
 #include "shell/qinterface.h"
+#include "shell/qwindowlayout.h"
 #include "shell/qpresetmanager.h"
 #include "sprites/qbfcachefilter.h"
 #include "sprites/qspritecache.h"
@@ -90,12 +92,12 @@ private slots:
         // First start: defaults, one empty project, the definitions editor.
         QCOMPARE(w->size(), QSize(580, 750));
         QCOMPARE(w->pos(), QPoint(0, 0));
-        QCOMPARE(ui->tabBar()->count(), 1);
-        QCOMPARE(ui->tabBar()->tabText(0), QStringLiteral("Project 1"));
+        QCOMPARE(ui->layout().tabBar()->count(), 1);
+        QCOMPARE(ui->layout().tabBar()->tabText(0), QStringLiteral("Project 1"));
         QCOMPARE(ui->projects().size(), 1);
         QVERIFY(ui->currentProject());
         QCOMPARE(ui->currentProject(), ui->projects().first());
-        QCOMPARE(ui->currentEditorId(), 0);
+        QCOMPARE(ui->registry().currentEditorId(), 0);
         QVERIFY(QBFCacheFilter::filter(QBFCacheFilter::LZ5));
         QVERIFY(root->objects().undoCache);
         QVERIFY(m_xmlFailures.isEmpty());
@@ -136,7 +138,7 @@ private slots:
             QVERIFY(!w.close());
             QCOMPARE(m_questions, 1);
             QVERIFY(w.isVisible());
-            QCOMPARE(root->controller()->tabBar()->count(), 1);
+            QCOMPARE(root->controller()->layout().tabBar()->count(), 1);
             QVERIFY(!QFile::exists(m_config));
 
             m_answer = true;

@@ -8,7 +8,9 @@
 #include "project/qproject.h"
 #include "base/qxmlhelper.h"
 #include "shell/mainwindow.h"
+#include "shell/qeditorregistry.h"
 #include "shell/qinterface.h"
+#include "shell/qwindowlayout.h"
 #include "shell/qinterfacecontrolaction.h"
 #include "shell/qinterfacecontrolwidget.h"
 #include "shell/qinterfacecontrolwidget2.h"
@@ -28,6 +30,7 @@
 #include <QListView>
 #include <QScrollBar>
 #include <QSpinBox>
+#include <QStackedLayout>
 #include <QStringListModel>
 #include <QTemporaryDir>
 #include <QToolBar>
@@ -115,7 +118,7 @@ class TestEditorFramework : public QObject
     }
     bool applyTest(const QString &name, QPresetManager &pm)
     {
-        return pm.apply(ui(), name, QString(), QString(), QString());
+        return pm.apply(ui()->registry(), name, QString(), QString(), QString());
     }
 
 private slots:
@@ -130,76 +133,61 @@ private slots:
         m_root.reset();
     }
 
-    void registrationTable()
+    void everyEditorIsReachable()
     {
-        struct Row { int id; const char *name, *tag; int flags, ws, types, caption; };
-        const Row rows[] = {{0, "editor_def", "definitions", 3, 0, 15, 64},
-                            {1, "editor_sff", "sprites", 7, 1, 15, 69},
-                            {2, "editor_air", "animations", 7, 1, 7, 136},
-                            {3, "editor_cmd", "commands", 3, 0, 1, 195},
-                            {4, "editor_st", "states", 11, 0, 1, 200},
-                            {5, "editor_snd", "sounds", 7, 1, 1, 213},
-                            {6, "ref_docs", "docs", 0, 2, 15, 39}};
-        QList<QAction *> groupActions = ui()->editorGroup()->actions();
-        QCOMPARE(groupActions.size(), 7);
-        QVERIFY(ui()->editorGroup()->isExclusive());
-        for (const Row &r : rows) {
-            QInterfaceEditor *e = ui()->editor(r.id);
-            QVERIFY2(e, r.name);
-            QCOMPARE(e->name(), QString(r.name));
-            QCOMPARE(e->tag(), QString(r.tag));
-            QCOMPARE(e->layoutFlags(), r.flags);
-            QCOMPARE(e->workspaceId(), r.ws);
-            QCOMPARE(e->projectTypes(), r.types);
-            QCOMPARE(e->captionId(), r.caption);
-            QVERIFY(e->canClose(nullptr));
-            QAction *a = ui()->editorAction(r.id);
-            QCOMPARE(a, groupActions.at(r.id)); // button order is registration order
-            QCOMPARE(a->objectName(), QString::number(r.id));
+        // Each editor has its button (checkable, in the exclusive group, found
+        // by its key), a page in the left panel, a toolbar entry and a
+        // workspace, and switching to it shows them. Pages stand in the order
+        // of the numbers, whatever the order of registration.
+        QEditorRegistry &r = ui()->registry();
+        QVERIFY(r.editorGroup()->isExclusive());
+        QCOMPARE(r.editorIds(), (QList<int>{0, 1, 2, 3, 4, 5, 6}));
+        for (int id : r.editorIds()) {
+            QInterfaceEditor *e = r.editor(id);
+            QAction *a = r.editorAction(id);
             QVERIFY(a->isCheckable());
-            QCOMPARE(static_cast<QAction *>(ui()->actionManager().action(r.name)), a);
-            QVERIFY(ui()->editorPanel(r.tag));
-            QVERIFY(ui()->toolbarEntries().contains(r.tag));
+            QVERIFY(r.editorGroup()->actions().contains(a));
+            QCOMPARE(static_cast<QAction *>(r.actionManager().action(e->name())), a);
+            QVERIFY(!a->text().isEmpty());
+            QVERIFY(r.toolbarEntries().contains(e->tag()));
+            QVERIFY(e->canClose(nullptr));
+            QCOMPARE(r.layout().leftStack()->indexOf(r.editorPanel(e->tag())), id);
+            a->trigger();
+            QCOMPARE(r.currentEditorId(), id);
+            QVERIFY(r.workspace(e->workspaceId())->isActive());
+            QCOMPARE(r.layout().centralStack()->currentIndex(), e->workspaceId());
+            QCOMPARE(r.layout().leftStack()->currentWidget(), r.editorPanel(e->tag()));
         }
-        QCOMPARE(ui()->actionManager().action("editor_sff")->text(), QStringLiteral("Sprites"));
-        const char *workspaces[] = {"text", "animsprites", "browser"};
-        for (int i = 0; i < 3; ++i) {
-            QCOMPARE(ui()->workspace(i)->name(), QString(workspaces[i]));
-            QVERIFY(ui()->workspace(i)->widget());
-        }
-        struct Extra { const char *name; int caption; };
-        const Extra extras[] = {{"organizer", 235}, {"palettes", 114}, {"thumbnails", 243}};
-        for (int i = 0; i < 3; ++i) {
-            QInterfaceExtraEditor *x = ui()->extraEditor(i);
-            QCOMPARE(x->name(), QString(extras[i].name));
-            QCOMPARE(x->captionId(), extras[i].caption);
+        for (int id = 0; id < QEditorRegistry::NoExtraEditor; ++id) {
+            QInterfaceExtraEditor *x = r.extraEditor(id);
+            QCOMPARE(r.layout().rightStack()->indexOf(r.extraPanel(x->name())), id);
             QVERIFY(!x->widget());
-            QVERIFY(ui()->extraPanel(extras[i].name));
         }
-        QVERIFY(!ui()->editor(8));
+        QVERIFY(!r.editor(QEditorRegistry::NoEditor));
+        r.editorSwitch(0);
     }
 
     void switchingAndRefresh()
     {
         auto owned = std::make_unique<CountingEditor>();
         CountingEditor *c = owned.get();
-        ui()->addEditor(std::move(owned));
-        QVERIFY(ui()->editorPanel("counting"));
+        ui()->registry().addEditor(std::move(owned));
+        QVERIFY(ui()->registry().editorPanel("counting"));
 
         // Switching to the current id again only refreshes: one connection.
-        ui()->editorSwitch(7);
-        ui()->editorSwitch(7);
-        ui()->editorAction(7)->trigger();
-        QCOMPARE(ui()->currentEditorId(), 7);
+        ui()->registry().editorSwitch(7);
+        ui()->registry().editorSwitch(7);
+        ui()->registry().editorAction(7)->trigger();
+        QCOMPARE(ui()->registry().currentEditorId(), 7);
         QCOMPARE(c->reloads, 3);
-        emit ui()->editUndo();
-        emit ui()->editFind("x", {});
+        emit ui()->registry().editUndo();
+        emit ui()->registry().editFind("x", {});
         QCOMPARE(c->undos, 1);
         QCOMPARE(c->finds, 1);
         QVERIFY(c->isActive());
-        QCOMPARE(ui()->currentWorkspaceId(), 1);
-        QVERIFY(ui()->workspace(1)->isActive());
-        QVERIFY(!ui()->workspace(0)->isActive());
+        QCOMPARE(ui()->registry().currentWorkspaceId(), 1);
+        QVERIFY(ui()->registry().workspace(1)->isActive());
+        QVERIFY(!ui()->registry().workspace(0)->isActive());
 
         // A new project refreshes every editor; the current one gets a real
         // activation at the end and still hears each command once.
@@ -208,78 +196,78 @@ private slots:
         QCOMPARE(c->refreshes, 1);
         QCOMPARE(c->reloads, 1);
         QCOMPARE(c->deactivations, 2);
-        emit ui()->editUndo();
+        emit ui()->registry().editUndo();
         QCOMPARE(c->undos, 2);
 
         // Away from it: cut off and deactivated.
-        ui()->editorSwitch(0);
+        ui()->registry().editorSwitch(0);
         QVERIFY(!c->isActive());
-        QVERIFY(ui()->editorAction(0)->isChecked());
-        emit ui()->editUndo();
+        QVERIFY(ui()->registry().editorAction(0)->isChecked());
+        emit ui()->registry().editUndo();
         QCOMPARE(c->undos, 2);
-        QCOMPARE(ui()->currentWorkspaceId(), 0);
-        QVERIFY(!ui()->workspace(1)->isActive());
+        QCOMPARE(ui()->registry().currentWorkspaceId(), 0);
+        QVERIFY(!ui()->registry().workspace(1)->isActive());
 
         // Panels follow the flags; the right one needs an extra editor.
-        ui()->setExtraEditor(1);
-        ui()->editorSwitch(1);
-        QVERIFY(!ui()->leftPanel()->isHidden());
-        QVERIFY(!ui()->rightPanel()->isHidden());
-        QCOMPARE(ui()->rightPanel()->title(), QStringLiteral("Palettes"));
-        QCOMPARE(ui()->leftPanel()->title(), QStringLiteral("Sprites"));
-        ui()->editorSwitch(0);
-        QVERIFY(!ui()->leftPanel()->isHidden());
-        QVERIFY(ui()->rightPanel()->isHidden());
-        ui()->editorSwitch(1);
-        QVERIFY(!ui()->rightPanel()->isHidden()); // survives a detour
-        ui()->editorSwitch(6);
-        QVERIFY(ui()->leftPanel()->isHidden());
-        QCOMPARE(ui()->currentWorkspaceId(), 2);
+        ui()->registry().setExtraEditor(1);
+        ui()->registry().editorSwitch(1);
+        QVERIFY(!ui()->layout().leftPanel()->isHidden());
+        QVERIFY(!ui()->layout().rightPanel()->isHidden());
+        QCOMPARE(ui()->layout().rightPanel()->title(), QStringLiteral("Palettes"));
+        QCOMPARE(ui()->layout().leftPanel()->title(), QStringLiteral("Sprites"));
+        ui()->registry().editorSwitch(0);
+        QVERIFY(!ui()->layout().leftPanel()->isHidden());
+        QVERIFY(ui()->layout().rightPanel()->isHidden());
+        ui()->registry().editorSwitch(1);
+        QVERIFY(!ui()->layout().rightPanel()->isHidden()); // survives a detour
+        ui()->registry().editorSwitch(6);
+        QVERIFY(ui()->layout().leftPanel()->isHidden());
+        QCOMPARE(ui()->registry().currentWorkspaceId(), 2);
 
         // No editor: toolbars empty, panels hidden, no extra editor.
-        ui()->editorSwitch(8);
-        QCOMPARE(ui()->currentEditorId(), 8);
-        QVERIFY(ui()->mainToolBar()->actions().isEmpty());
-        QVERIFY(ui()->leftPanel()->isHidden());
-        QCOMPARE(ui()->currentExtraEditorId(), 3);
-        emit ui()->editUndo(); // goes nowhere, harmlessly
-        ui()->setExtraEditor(0);
-        ui()->editorSwitch(0);
+        ui()->registry().editorSwitch(8);
+        QCOMPARE(ui()->registry().currentEditorId(), 8);
+        QVERIFY(ui()->layout().mainToolBar()->actions().isEmpty());
+        QVERIFY(ui()->layout().leftPanel()->isHidden());
+        QCOMPARE(ui()->registry().currentExtraEditorId(), 3);
+        emit ui()->registry().editUndo(); // goes nowhere, harmlessly
+        ui()->registry().setExtraEditor(0);
+        ui()->registry().editorSwitch(0);
     }
 
     void projectTypeVisibility()
     {
-        ui()->editorSwitch(2);
-        ui()->applyProjectType(8); // Font
+        ui()->registry().editorSwitch(2);
+        ui()->registry().applyProjectType(8); // Font
         QList<int> visible;
         for (int id = 0; id <= 7; ++id) {
-            if (ui()->editorAction(id) && ui()->editorAction(id)->isVisible())
+            if (ui()->registry().editorAction(id) && ui()->registry().editorAction(id)->isVisible())
                 visible << id;
         }
         QCOMPARE(visible, (QList<int>{0, 1, 6}));
-        QCOMPARE(ui()->currentEditorId(), 0);
+        QCOMPARE(ui()->registry().currentEditorId(), 0);
 
-        ui()->editorSwitch(1);
-        ui()->applyProjectType(2); // Storyboard: the counting editor serves it
-        QCOMPARE(ui()->currentEditorId(), 1);
-        QVERIFY(ui()->editorAction(7)->isVisible());
-        QVERIFY(!ui()->editorAction(3)->isVisible());
-        ui()->applyProjectType(1);
-        QVERIFY(ui()->editorAction(3)->isVisible());
-        QVERIFY(!ui()->editorAction(7)->isVisible());
-        ui()->editorSwitch(0);
+        ui()->registry().editorSwitch(1);
+        ui()->registry().applyProjectType(2); // Storyboard: the counting editor serves it
+        QCOMPARE(ui()->registry().currentEditorId(), 1);
+        QVERIFY(ui()->registry().editorAction(7)->isVisible());
+        QVERIFY(!ui()->registry().editorAction(3)->isVisible());
+        ui()->registry().applyProjectType(1);
+        QVERIFY(ui()->registry().editorAction(3)->isVisible());
+        QVERIFY(!ui()->registry().editorAction(7)->isVisible());
+        ui()->registry().editorSwitch(0);
 
         // Only the current project's type counts.
-        ui()->applyProjectType(8);
+        ui()->registry().applyProjectType(8);
         QProject other;
         ui()->projTypeChanged(&other);
-        QVERIFY(!ui()->editorAction(3)->isVisible());
+        QVERIFY(!ui()->registry().editorAction(3)->isVisible());
         QProject *current = ui()->projects().first();
         ui()->setCurrentProject(current);
         ui()->projTypeChanged(current); // a new project is a character
-        QVERIFY(ui()->editorAction(3)->isVisible());
-        QCOMPARE(ui()->editor(3)->project(), current);
-        QVERIFY(ui()->canCloseProject(current));
+        QVERIFY(ui()->registry().editorAction(3)->isVisible());
+        QCOMPARE(ui()->registry().editor(3)->project(), current);
+        QVERIFY(ui()->registry().canCloseProject(current));
     }
 
     void presetPlacement()
@@ -309,34 +297,34 @@ private slots:
         auto spin = std::make_unique<QInterfaceControlWidget2>(5, -1, nullptr, nullptr, nullptr,
                                                                nullptr, tu);
         QInterfaceControlWidget2 *spin2 = spin.get();
-        ui()->addControl("spin2", std::move(spin));
+        ui()->registry().addControl("spin2", std::move(spin));
 
         QVERIFY(applyTest("Twice", pm));
         QCOMPARE(pm.scale(), 2);
-        QCOMPARE(ui()->leftPanel()->minimumWidth(), 300);
-        QCOMPARE(ui()->leftPanel()->titleTop(), 8);
-        QCOMPARE(ui()->leftPanel()->titleHeight(), 40);
+        QCOMPARE(ui()->layout().leftPanel()->minimumWidth(), 300);
+        QCOMPARE(ui()->layout().leftPanel()->titleTop(), 8);
+        QCOMPARE(ui()->layout().leftPanel()->titleHeight(), 40);
         // A bad metric leaves the right panel as it was.
-        QCOMPARE(ui()->rightPanel()->minimumWidth(), 220);
+        QCOMPARE(ui()->layout().rightPanel()->minimumWidth(), 220);
 
-        const QToolBarEntry main = ui()->toolbarEntries().value("main");
+        const QToolBarEntry main = ui()->registry().toolbarEntries().value("main");
         QCOMPARE(main.iconSize, 24);
         QCOMPARE(main.actions.size(), 3); // unknown key skipped
         QVERIFY(!main.actions.at(1));
-        QVERIFY(ui()->toolbarEntries().contains("newbar"));
+        QVERIFY(ui()->registry().toolbarEntries().contains("newbar"));
 
         // One control placed twice: two buttons that enable together.
-        auto *undo = static_cast<QInterfaceControlAction *>(ui()->control("edit_undo"));
+        auto *undo = static_cast<QInterfaceControlAction *>(ui()->registry().control("edit_undo"));
         const QList<QToolButton *> buttons = undo->buttons();
         QCOMPARE(buttons.size(), 2);
         QCOMPARE(buttons.at(0)->geometry(), QRect(20, 40, 60, 50));
         QVERIFY(buttons.at(0)->autoRaise());
         QCOMPARE(buttons.at(0)->iconSize(), QSize(16, 16));
         QCOMPARE(buttons.at(1)->pos(), QPoint(0, 0)); // bad position: 0,0
-        QCOMPARE(buttons.at(0)->parentWidget(), ui()->editorPanel("sprites"));
-        ui()->setControlEnabled("edit_undo", false);
+        QCOMPARE(buttons.at(0)->parentWidget(), ui()->registry().editorPanel("sprites"));
+        ui()->registry().setControlEnabled("edit_undo", false);
         QVERIFY(!buttons.at(0)->isEnabled() && !buttons.at(1)->isEnabled());
-        ui()->setControlEnabled("edit_undo", true);
+        ui()->registry().setControlEnabled("edit_undo", true);
         QVERIFY(buttons.at(0)->isEnabled() && buttons.at(1)->isEnabled());
 
         // The two-widget control: each placement takes one widget, a third has none.
@@ -344,18 +332,18 @@ private slots:
         QCOMPARE(spin2->widget(0)->minimumSize(), spin2->widget(0)->maximumSize());
         QCOMPARE(spin2->widget(1)->pos(), QPoint(10, 100));
         QVERIFY(!spin2->widget(1)->isHidden());
-        ui()->setControlEnabled("spin2", false);
+        ui()->registry().setControlEnabled("spin2", false);
         QVERIFY(!spin2->widget(0)->isEnabled() && !spin2->widget(1)->isEnabled());
-        ui()->setControlEnabled("spin2", true);
+        ui()->registry().setControlEnabled("spin2", true);
 
-        auto *redo = static_cast<QInterfaceControlAction *>(ui()->control("edit_redo"));
+        auto *redo = static_cast<QInterfaceControlAction *>(ui()->registry().control("edit_redo"));
         QCOMPARE(redo->buttons().size(), 1);
-        QCOMPARE(redo->buttons().at(0)->parentWidget(), ui()->extraPanel("organizer"));
+        QCOMPARE(redo->buttons().at(0)->parentWidget(), ui()->registry().extraPanel("organizer"));
 
         // The real toolbar is filled from the entries at the next switch.
-        ui()->editorSwitch(0);
-        QCOMPARE(ui()->mainToolBar()->actions().size(), 3);
-        QCOMPARE(ui()->mainToolBar()->iconSize(), QSize(24, 24));
+        ui()->registry().editorSwitch(0);
+        QCOMPARE(ui()->layout().mainToolBar()->actions().size(), 3);
+        QCOMPARE(ui()->layout().mainToolBar()->iconSize(), QSize(24, 24));
 
         // A missing preset or a wrong root: nothing stays.
         writePreset("WrongRoot", "<!DOCTYPE ORVPresetML><shortcuts><toolbar name=\"main\"><button name=\"edit_undo\"/></toolbar></shortcuts>");
@@ -364,10 +352,10 @@ private slots:
             QVERIFY(undo->buttons().isEmpty());
             QVERIFY(redo->buttons().isEmpty());
             QVERIFY(spin2->widget(0)->isHidden());
-            for (const QToolBarEntry &e : ui()->toolbarEntries())
+            for (const QToolBarEntry &e : ui()->registry().toolbarEntries())
                 QVERIFY(e.actions.isEmpty());
-            ui()->editorSwitch(0);
-            QVERIFY(ui()->mainToolBar()->actions().isEmpty());
+            ui()->registry().editorSwitch(0);
+            QVERIFY(ui()->layout().mainToolBar()->actions().isEmpty());
         }
         // A broken preset is reported, and leaves nothing either.
         writePreset("Broken", "<preset><toolbar name=\"main\">");
@@ -380,9 +368,9 @@ private slots:
         writePreset("Bare", "<preset><toolbar name=\"main\"><button name=\"edit_undo\"/></toolbar></preset>");
         pm.setDpiOverride(96);
         QVERIFY(applyTest("Bare", pm));
-        QCOMPARE(ui()->leftPanel()->minimumWidth(), 220);
-        QCOMPARE(ui()->leftPanel()->titleHeight(), 30);
-        QCOMPARE(ui()->toolbarEntries().value("main").iconSize, 24);
+        QCOMPARE(ui()->layout().leftPanel()->minimumWidth(), 220);
+        QCOMPARE(ui()->layout().leftPanel()->titleHeight(), 30);
+        QCOMPARE(ui()->registry().toolbarEntries().value("main").iconSize, 24);
         QCOMPARE(m_root->objects().iconsets->current(), QStringLiteral("Classic"));
         QCOMPARE(m_root->objects().colorsets->current(), QStringLiteral("Classic"));
         pm.setDpiOverride(40); // a low density never shrinks to nothing
@@ -394,9 +382,9 @@ private slots:
     {
         // The preset that ships lays out every editor's toolbar and the
         // editor buttons; every key in it is a real action.
-        QMap<QString, QToolBarEntry> &entries = ui()->toolbarEntries();
+        QMap<QString, QToolBarEntry> &entries = ui()->registry().toolbarEntries();
         m_root->objects().presets->setDpiOverride(96);
-        QVERIFY(m_root->objects().presets->apply(ui(), "Classic", QString(), QString(), QString()));
+        QVERIFY(m_root->objects().presets->apply(ui()->registry(), "Classic", QString(), QString(), QString()));
         for (const char *tag : {"main", "extra", "definitions", "sprites", "animations", "commands",
                                 "states", "sounds", "docs"})
             QVERIFY2(entries.contains(tag), tag);

@@ -17,6 +17,7 @@
 #include "shell/qaskuser.h"
 #include "shell/qhistorymanager.h"
 #include "shell/qinterface.h"
+#include "shell/qwindowlayout.h"
 #include "sprites/qsprites.h"
 #include "testsupport.h"
 
@@ -128,34 +129,33 @@ void TestInterface::closingTheOnlyTabLeavesTheNextEmptyProject()
 {
     Answers answers;
     auto root = TestSupport::startProgram(m_dir.path());
-    MainWindow &w = *root->window();
     QInterface *ui = root->controller();
     QCOMPARE(ui->projectCount(), 1);
-    QCOMPARE(ui->tabBar()->count(), 1);
-    const QString first = ui->tabBar()->tabText(0);
+    QCOMPARE(ui->layout().tabBar()->count(), 1);
+    const QString first = ui->layout().tabBar()->tabText(0);
     QVERIFY(first.startsWith("Project "));
     const int n = first.mid(8).toInt();
     QProject *old = ui->currentProject();
 
     ui->fileClose();
     QCOMPARE(ui->projectCount(), 1);
-    QCOMPARE(ui->tabBar()->count(), 1);
-    QCOMPARE(ui->tabBar()->tabText(0), QString("Project %1").arg(n + 1));
+    QCOMPARE(ui->layout().tabBar()->count(), 1);
+    QCOMPARE(ui->layout().tabBar()->tabText(0), QString("Project %1").arg(n + 1));
     QVERIFY(ui->currentProject() != old);
     QCOMPARE(ui->currentProject(), ui->projects().first());
 
     // New, then close all: again exactly one fresh project.
     ui->fileNew();
     QCOMPARE(ui->projectCount(), 2);
-    QCOMPARE(ui->tabBar()->currentIndex(), 1);
+    QCOMPARE(ui->layout().tabBar()->currentIndex(), 1);
     ui->fileCloseAll();
     QCOMPARE(ui->projectCount(), 1);
-    QCOMPARE(ui->tabBar()->tabText(0), QString("Project %1").arg(n + 3));
+    QCOMPARE(ui->layout().tabBar()->tabText(0), QString("Project %1").arg(n + 3));
 
     // Close others keeps the current one only; bad indexes are ignored.
     ui->fileNew();
     ui->fileNew();
-    ui->tabBar()->setCurrentIndex(1);
+    ui->layout().tabBar()->setCurrentIndex(1);
     QProject *keep = ui->currentProject();
     ui->fileCloseAllCurr();
     QCOMPARE(ui->projects(), QList<QProject *>({keep}));
@@ -171,12 +171,11 @@ void TestInterface::openingReplacesOnlyAnUntouchedFirstProject()
     const QString def = writeText(m_dir.filePath("stage1/arena.def"),
                                   "[Info]\r\nname = \"Arena\"\r\nmugenversion = 1.1\r\n[BGdef]\r\nspr = arena.sff\r\n");
     auto root = TestSupport::startProgram(m_dir.path());
-    MainWindow &w = *root->window();
     QInterface *ui = root->controller();
     QCOMPARE(ui->projectCount(), 1);
     ui->openProject(def);
     QCOMPARE(ui->projectCount(), 1);
-    QCOMPARE(ui->tabBar()->tabText(0), QString("Arena"));
+    QCOMPARE(ui->layout().tabBar()->tabText(0), QString("Arena"));
     QCOMPARE(ui->currentProject()->type(), QProjectType::Stage);
     QCOMPARE(ui->history()->entries().first(), QFileInfo(def).absoluteFilePath());
 
@@ -186,7 +185,7 @@ void TestInterface::openingReplacesOnlyAnUntouchedFirstProject()
     ui->currentProject()->commands()->setText("; notes");
     ui->openProject(def);
     QCOMPARE(ui->projectCount(), 2);
-    QCOMPARE(ui->tabBar()->currentIndex(), 1);
+    QCOMPARE(ui->layout().tabBar()->currentIndex(), 1);
 
     // A DEF that can't be read leaves the tabs as they were.
     ui->openProject(m_dir.filePath("missing/none.def"));
@@ -206,7 +205,6 @@ void TestInterface::canSaveRefusesWhatTheEngineCannotRead()
 {
     Answers answers;
     auto root = TestSupport::startProgram(m_dir.path());
-    MainWindow &w = *root->window();
     QInterface *ui = root->controller();
     QProject project;
     QSprites *sprites = project.sprites();
@@ -242,7 +240,6 @@ void TestInterface::saveAsAsksPaletteQuestionOnlyForOldCharacters()
 {
     Answers answers;
     auto root = TestSupport::startProgram(m_dir.path());
-    MainWindow &w = *root->window();
     QInterface *ui = root->controller();
 
     // A stage: the name, the UTF-8 question, nothing about palettes.
@@ -369,15 +366,15 @@ void TestInterface::statusTextAndMenus()
     auto root = TestSupport::startProgram(m_dir.path());
     MainWindow &w = *root->window();
     QInterface *ui = root->controller();
-    QCOMPARE(ui->projectStatusLabel()->text(), QString("Project: Character, Version: M.U.G.E.N. 1.1"));
-    for (int i = 0; i < QInterface::StatusFieldCount; ++i)
-        QVERIFY(ui->statusField(i)->minimumWidth() >= 250);
-    ui->setStatusText(2, "x: 10");
-    QVERIFY(!ui->statusField(2)->isHidden());
-    ui->setStatusText(2, QString());
-    QVERIFY(ui->statusField(2)->isHidden());
-    ui->setStatusText(9, "ignored");
-    QCOMPARE(ui->statusField(9), nullptr);
+    QCOMPARE(ui->layout().projectStatusLabel()->text(), QString("Project: Character, Version: M.U.G.E.N. 1.1"));
+    for (int i = 0; i < QWindowLayout::StatusFieldCount; ++i)
+        QVERIFY(ui->layout().statusField(i)->minimumWidth() >= 250);
+    ui->layout().setStatusText(2, "x: 10");
+    QVERIFY(!ui->layout().statusField(2)->isHidden());
+    ui->layout().setStatusText(2, QString());
+    QVERIFY(ui->layout().statusField(2)->isHidden());
+    ui->layout().setStatusText(9, "ignored");
+    QCOMPARE(ui->layout().statusField(9), nullptr);
 
     // Every command of the Project menu, in order, with the recent list after "Open".
     auto *file = w.findChild<QMenu *>("menuFile");
@@ -402,12 +399,12 @@ void TestInterface::statusTextAndMenus()
     QProject *p = ui->currentProject();
     p->definitions()->setText("[Info]\r\nmugenversion = 1.0\r\n[BGdef]\r\nspr = a.sff\r\n");
     p->definitions()->updateHierarchy();
-    QCOMPARE(ui->projectStatusLabel()->text(), QString("Project: Stage, Version: M.U.G.E.N. 1.0"));
+    QCOMPARE(ui->layout().projectStatusLabel()->text(), QString("Project: Stage, Version: M.U.G.E.N. 1.0"));
     ui->fileNew();
     QProject other;
     ui->projTypeChanged(&other);
     ui->projTypeChanged(p);
-    QCOMPARE(ui->projectStatusLabel()->text(), QString("Project: Character, Version: M.U.G.E.N. 1.1"));
+    QCOMPARE(ui->layout().projectStatusLabel()->text(), QString("Project: Character, Version: M.U.G.E.N. 1.1"));
 
     // Help > About answers through the same seam as every other box.
     ui->helpAbout();
@@ -425,8 +422,8 @@ void TestInterface::sampleCharacterOpensAndSavesAgain()
     QInterface *ui = root->controller();
     ui->openProject(TestSupport::samplePath("chars/kfm/kfm.def"));
     QCOMPARE(ui->projectCount(), 1);
-    QCOMPARE(ui->tabBar()->tabText(0), QString("Kung Fu Man"));
-    QCOMPARE(ui->projectStatusLabel()->text(), QString("Project: Character, Version: M.U.G.E.N. 1.0"));
+    QCOMPARE(ui->layout().tabBar()->tabText(0), QString("Kung Fu Man"));
+    QCOMPARE(ui->layout().projectStatusLabel()->text(), QString("Project: Character, Version: M.U.G.E.N. 1.0"));
     QProject *kfm = ui->currentProject();
     const int sprites = kfm->sprites()->count();
     QVERIFY(sprites > 0);

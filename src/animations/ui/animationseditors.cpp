@@ -2,13 +2,13 @@
 
 #include "qanimationseditor.h"
 #include "qanimspriteworkspace.h"
-#include "shell/qinterface.h"
+#include "shell/qeditorregistry.h"
 
 #include <memory>
 
-void registerAnimationEditors(QInterface &shell, const QAppObjects &objects)
+void registerAnimationEditors(QEditorRegistry &registry, const QAppObjects &objects)
 {
     Q_UNUSED(objects);
-    shell.addWorkspace(std::make_unique<QAnimSpriteWorkspace>());
-    shell.addEditor(std::make_unique<QAnimationsEditor>());
+    registry.addWorkspace(std::make_unique<QAnimSpriteWorkspace>());
+    registry.addEditor(std::make_unique<QAnimationsEditor>());
 }

@@ -1,8 +1,8 @@
 #pragma once
 
-class QInterface;
+class QEditorRegistry;
 struct QAppObjects;
 
 // The stage workspace that sprites, animations and sounds share, and the
 // animations editor.
-void registerAnimationEditors(QInterface &shell, const QAppObjects &objects);
+void registerAnimationEditors(QEditorRegistry &registry, const QAppObjects &objects);

@@ -4,15 +4,15 @@
 #include "qdefinitionseditor.h"
 #include "qstateseditor.h"
 #include "qtextworkspace.h"
-#include "shell/qinterface.h"
+#include "shell/qeditorregistry.h"
 
 #include <memory>
 
-void registerCodeEditors(QInterface &shell, const QAppObjects &objects)
+void registerCodeEditors(QEditorRegistry &registry, const QAppObjects &objects)
 {
     Q_UNUSED(objects);
-    shell.addWorkspace(std::make_unique<QTextWorkspace>());
-    shell.addEditor(std::make_unique<QDefinitionsEditor>());
-    shell.addEditor(std::make_unique<QCommandsEditor>());
-    shell.addEditor(std::make_unique<QStatesEditor>());
+    registry.addWorkspace(std::make_unique<QTextWorkspace>());
+    registry.addEditor(std::make_unique<QDefinitionsEditor>());
+    registry.addEditor(std::make_unique<QCommandsEditor>());
+    registry.addEditor(std::make_unique<QStatesEditor>());
 }

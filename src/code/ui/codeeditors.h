@@ -1,7 +1,7 @@
 #pragma once
 
-class QInterface;
+class QEditorRegistry;
 struct QAppObjects;
 
 // The text workspace and the editors of the DEF, the commands and the states.
-void registerCodeEditors(QInterface &shell, const QAppObjects &objects);
+void registerCodeEditors(QEditorRegistry &registry, const QAppObjects &objects);

@@ -2,12 +2,12 @@
 
 #include "qreferencedocseditor.h"
 #include "qwebbrowserworkspace.h"
-#include "shell/qinterface.h"
+#include "shell/qeditorregistry.h"
 
 #include <memory>
 
-void registerDocsEditors(QInterface &shell, const QAppObjects &objects)
+void registerDocsEditors(QEditorRegistry &registry, const QAppObjects &objects)
 {
-    shell.addWorkspace(std::make_unique<QWebBrowserWorkspace>(objects));
-    shell.addEditor(std::make_unique<QReferenceDocsEditor>());
+    registry.addWorkspace(std::make_unique<QWebBrowserWorkspace>(objects));
+    registry.addEditor(std::make_unique<QReferenceDocsEditor>());
 }

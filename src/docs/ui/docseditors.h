@@ -1,7 +1,7 @@
 #pragma once
 
-class QInterface;
+class QEditorRegistry;
 struct QAppObjects;
 
 // The reference documentation: its browser workspace and its editor.
-void registerDocsEditors(QInterface &shell, const QAppObjects &objects);
+void registerDocsEditors(QEditorRegistry &registry, const QAppObjects &objects);

@@ -1,12 +1,12 @@
 #include "soundseditors.h"
 
 #include "qsoundseditor.h"
-#include "shell/qinterface.h"
+#include "shell/qeditorregistry.h"
 
 #include <memory>
 
-void registerSoundEditors(QInterface &shell, const QAppObjects &objects)
+void registerSoundEditors(QEditorRegistry &registry, const QAppObjects &objects)
 {
     Q_UNUSED(objects);
-    shell.addEditor(std::make_unique<QSoundsEditor>());
+    registry.addEditor(std::make_unique<QSoundsEditor>());
 }

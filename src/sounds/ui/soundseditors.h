@@ -1,7 +1,7 @@
 #pragma once
 
-class QInterface;
+class QEditorRegistry;
 struct QAppObjects;
 
 // The sounds editor.
-void registerSoundEditors(QInterface &shell, const QAppObjects &objects);
+void registerSoundEditors(QEditorRegistry &registry, const QAppObjects &objects);

@@ -4,15 +4,15 @@
 #include "qpaletteseditor.h"
 #include "qspriteseditor.h"
 #include "qthumbnailseditor.h"
-#include "shell/qinterface.h"
+#include "shell/qeditorregistry.h"
 
 #include <memory>
 
-void registerSpriteEditors(QInterface &shell, const QAppObjects &objects)
+void registerSpriteEditors(QEditorRegistry &registry, const QAppObjects &objects)
 {
     Q_UNUSED(objects);
-    shell.addEditor(std::make_unique<QSpritesEditor>());
-    shell.addExtraEditor(std::make_unique<QOrganizerEditor>());
-    shell.addExtraEditor(std::make_unique<QPalettesEditor>());
-    shell.addExtraEditor(std::make_unique<QThumbnailsEditor>());
+    registry.addEditor(std::make_unique<QSpritesEditor>());
+    registry.addExtraEditor(std::make_unique<QOrganizerEditor>());
+    registry.addExtraEditor(std::make_unique<QPalettesEditor>());
+    registry.addExtraEditor(std::make_unique<QThumbnailsEditor>());
 }

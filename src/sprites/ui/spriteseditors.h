@@ -1,7 +1,7 @@
 #pragma once
 
-class QInterface;
+class QEditorRegistry;
 struct QAppObjects;
 
 // The sprites editor, and the organizer, palettes and thumbnails beside it.
-void registerSpriteEditors(QInterface &shell, const QAppObjects &objects);
+void registerSpriteEditors(QEditorRegistry &registry, const QAppObjects &objects);

@@ -1,18 +1,16 @@
-// Registration of editors, workspaces, extra editors and controls, and the
-// switching between them.
-#include "qinterface.h"
+#include "qeditorregistry.h"
 
-#include "shell/qaction2.h"
+#include "qaction2.h"
+#include "qactionmanager.h"
 #include "base/qlifecyclelog.h"
 #include "qinterfacecontrol.h"
 #include "qinterfaceeditor.h"
 #include "qinterfaceextraeditor.h"
 #include "qinterfaceworkspace.h"
 #include "qpanelwidget.h"
+#include "qwindowlayout.h"
 
 #include <QActionGroup>
-#include <QDockWidget>
-#include <QMainWindow>
 #include <QMenu>
 #include <QStackedLayout>
 #include <QToolBar>
@@ -29,20 +27,50 @@ template <typename Map> int placeOf(const Map &registered, int id)
 }
 } // namespace
 
-void QInterface::addWorkspace(std::unique_ptr<QInterfaceWorkspace> workspace)
+QEditorRegistry::QEditorRegistry(QWindowLayout &layout, QActionManager &actions, QObject *parent)
+    : QObject(parent)
+    , m_layout(layout)
+    , m_actions(actions)
+{
+    m_editorGroup = new QActionGroup(this);
+    m_editorGroup->setExclusive(true);
+    connect(m_editorGroup, &QActionGroup::triggered, this, qOverload<QAction *>(&QEditorRegistry::editorSwitch));
+    m_toolbarEntries.insert(QStringLiteral("main"), QToolBarEntry());
+    m_toolbarEntries.insert(QStringLiteral("extra"), QToolBarEntry());
+}
+
+QEditorRegistry::~QEditorRegistry()
+{
+    clear();
+}
+
+void QEditorRegistry::clear()
+{
+    setCurrentProject(nullptr);
+    if (QInterfaceEditor *e = editor(m_currentEditor)) {
+        disconnectEditor(e);
+        e->deactivate();
+    }
+    m_controls.clear();
+    m_workspaces.clear();
+    m_editors.clear();
+    m_extraEditors.clear();
+}
+
+void QEditorRegistry::addWorkspace(std::unique_ptr<QInterfaceWorkspace> workspace)
 {
     if (!workspace)
         return;
     const int id = workspace->id();
     if (QWidget *w = workspace->widget()) {
-        m_centralStack->insertWidget(placeOf(m_workspacePages, id), w);
+        m_layout.centralStack()->insertWidget(placeOf(m_workspacePages, id), w);
         m_workspacePages.insert(id, w);
     }
     m_toolbarEntries[workspace->name()];
     m_workspaces[id] = std::move(workspace);
 }
 
-void QInterface::addEditor(std::unique_ptr<QInterfaceEditor> editor)
+void QEditorRegistry::addEditor(std::unique_ptr<QInterfaceEditor> editor)
 {
     if (!editor)
         return;
@@ -61,15 +89,15 @@ void QInterface::addEditor(std::unique_ptr<QInterfaceEditor> editor)
 
     auto *page = new QWidget;
     page->setObjectName(e->tag());
-    m_leftStack->insertWidget(placeOf(m_editorPages, id), page);
+    m_layout.leftStack()->insertWidget(placeOf(m_editorPages, id), page);
     m_editorPanels.insert(e->tag(), page);
     m_editorPages.insert(id, page);
 
-    connect(e, &QInterfaceEditor::modifiedChanged, this, &QInterface::updateEditorName);
+    connect(e, &QInterfaceEditor::modifiedChanged, this, &QEditorRegistry::updateEditorName);
     e->setupPanel();
 }
 
-void QInterface::addExtraEditor(std::unique_ptr<QInterfaceExtraEditor> editor)
+void QEditorRegistry::addExtraEditor(std::unique_ptr<QInterfaceExtraEditor> editor)
 {
     if (!editor)
         return;
@@ -78,32 +106,32 @@ void QInterface::addExtraEditor(std::unique_ptr<QInterfaceExtraEditor> editor)
     m_extraEditors[id] = std::move(editor);
     auto *page = new QWidget;
     page->setObjectName(x->name());
-    m_rightStack->insertWidget(placeOf(m_extraPages, id), page);
+    m_layout.rightStack()->insertWidget(placeOf(m_extraPages, id), page);
     m_extraPanels.insert(x->name(), page);
     m_extraPages.insert(id, page);
     m_toolbarEntries[x->name()];
-    connect(x, &QInterfaceExtraEditor::modifiedChanged, this, &QInterface::updateExtraEditorName);
+    connect(x, &QInterfaceExtraEditor::modifiedChanged, this, &QEditorRegistry::updateExtraEditorName);
 }
 
-void QInterface::addControl(const QString &name, std::unique_ptr<QInterfaceControl> control)
+void QEditorRegistry::addControl(const QString &name, std::unique_ptr<QInterfaceControl> control)
 {
     if (control)
         m_controls[name] = std::move(control);
 }
 
-void QInterface::setControlEnabled(const QString &name, bool enabled)
+void QEditorRegistry::setControlEnabled(const QString &name, bool enabled)
 {
     if (QInterfaceControl *c = control(name))
         c->setEnabled(enabled);
 }
 
-QInterfaceControl *QInterface::control(const QString &name) const
+QInterfaceControl *QEditorRegistry::control(const QString &name) const
 {
     const auto it = m_controls.find(name);
     return it == m_controls.end() ? nullptr : it->second.get();
 }
 
-QList<QInterfaceControl *> QInterface::controls() const
+QList<QInterfaceControl *> QEditorRegistry::controls() const
 {
     QList<QInterfaceControl *> list;
     for (const auto &[name, c] : m_controls)
@@ -111,50 +139,50 @@ QList<QInterfaceControl *> QInterface::controls() const
     return list;
 }
 
-QInterfaceEditor *QInterface::editor(int id) const
+QInterfaceEditor *QEditorRegistry::editor(int id) const
 {
     const auto it = m_editors.find(id);
     return it == m_editors.end() ? nullptr : it->second.get();
 }
 
-QInterfaceWorkspace *QInterface::workspace(int id) const
+QInterfaceWorkspace *QEditorRegistry::workspace(int id) const
 {
     const auto it = m_workspaces.find(id);
     return it == m_workspaces.end() ? nullptr : it->second.get();
 }
 
-QInterfaceExtraEditor *QInterface::extraEditor(int id) const
+QInterfaceExtraEditor *QEditorRegistry::extraEditor(int id) const
 {
     const auto it = m_extraEditors.find(id);
     return it == m_extraEditors.end() ? nullptr : it->second.get();
 }
 
-void QInterface::connectEditor(QInterfaceEditor *e)
+void QEditorRegistry::connectEditor(QInterfaceEditor *e)
 {
     // Unique connections: a refresh of the current editor must never double
     // its edit commands.
     const auto unique = Qt::UniqueConnection;
-    connect(this, &QInterface::editUndo, e, &QInterfaceEditor::undo, unique);
-    connect(this, &QInterface::editRedo, e, &QInterfaceEditor::redo, unique);
-    connect(this, &QInterface::editCut, e, &QInterfaceEditor::cut, unique);
-    connect(this, &QInterface::editCopy, e, &QInterfaceEditor::copy, unique);
-    connect(this, &QInterface::editPaste, e, &QInterfaceEditor::paste, unique);
-    connect(this, &QInterface::editFind, e, &QInterfaceEditor::find, unique);
-    connect(this, &QInterface::editReplace, e, &QInterfaceEditor::replace, unique);
+    connect(this, &QEditorRegistry::editUndo, e, &QInterfaceEditor::undo, unique);
+    connect(this, &QEditorRegistry::editRedo, e, &QInterfaceEditor::redo, unique);
+    connect(this, &QEditorRegistry::editCut, e, &QInterfaceEditor::cut, unique);
+    connect(this, &QEditorRegistry::editCopy, e, &QInterfaceEditor::copy, unique);
+    connect(this, &QEditorRegistry::editPaste, e, &QInterfaceEditor::paste, unique);
+    connect(this, &QEditorRegistry::editFind, e, &QInterfaceEditor::find, unique);
+    connect(this, &QEditorRegistry::editReplace, e, &QInterfaceEditor::replace, unique);
 }
 
-void QInterface::disconnectEditor(QInterfaceEditor *e)
+void QEditorRegistry::disconnectEditor(QInterfaceEditor *e)
 {
-    disconnect(this, &QInterface::editUndo, e, &QInterfaceEditor::undo);
-    disconnect(this, &QInterface::editRedo, e, &QInterfaceEditor::redo);
-    disconnect(this, &QInterface::editCut, e, &QInterfaceEditor::cut);
-    disconnect(this, &QInterface::editCopy, e, &QInterfaceEditor::copy);
-    disconnect(this, &QInterface::editPaste, e, &QInterfaceEditor::paste);
-    disconnect(this, &QInterface::editFind, e, &QInterfaceEditor::find);
-    disconnect(this, &QInterface::editReplace, e, &QInterfaceEditor::replace);
+    disconnect(this, &QEditorRegistry::editUndo, e, &QInterfaceEditor::undo);
+    disconnect(this, &QEditorRegistry::editRedo, e, &QInterfaceEditor::redo);
+    disconnect(this, &QEditorRegistry::editCut, e, &QInterfaceEditor::cut);
+    disconnect(this, &QEditorRegistry::editCopy, e, &QInterfaceEditor::copy);
+    disconnect(this, &QEditorRegistry::editPaste, e, &QInterfaceEditor::paste);
+    disconnect(this, &QEditorRegistry::editFind, e, &QInterfaceEditor::find);
+    disconnect(this, &QEditorRegistry::editReplace, e, &QInterfaceEditor::replace);
 }
 
-void QInterface::editorSwitch(QAction *action)
+void QEditorRegistry::editorSwitch(QAction *action)
 {
     if (!action)
         return;
@@ -163,7 +191,7 @@ void QInterface::editorSwitch(QAction *action)
     editorSwitch(ok ? id : NoEditor);
 }
 
-void QInterface::editorSwitch(int id)
+void QEditorRegistry::editorSwitch(int id)
 {
     QInterfaceEditor *current = editor(m_currentEditor);
     QInterfaceEditor *target = editor(id);
@@ -174,12 +202,12 @@ void QInterface::editorSwitch(int id)
     if (!target) {
         m_currentEditor = NoEditor;
         m_actions.setScope(NoEditor);
-        m_mainToolBar->clear();
-        m_extraToolBar->clear();
-        m_editorToolBar->clear();
-        m_editorToolBar->hide();
-        m_leftPanel->hide();
-        m_rightPanel->hide();
+        m_layout.mainToolBar()->clear();
+        m_layout.extraToolBar()->clear();
+        m_layout.editorToolBar()->clear();
+        m_layout.editorToolBar()->hide();
+        m_layout.leftPanel()->hide();
+        m_layout.rightPanel()->hide();
         setExtraEditor(NoExtraEditor);
         return;
     }
@@ -196,7 +224,7 @@ void QInterface::editorSwitch(int id)
         if (QInterfaceWorkspace *old = workspace(m_currentWorkspace))
             old->deactivate();
         if (QWidget *page = m_workspacePages.value(ws))
-            m_centralStack->setCurrentWidget(page);
+            m_layout.centralStack()->setCurrentWidget(page);
         m_currentWorkspace = ws;
         if (QInterfaceWorkspace *w = workspace(ws))
             w->activate();
@@ -209,31 +237,31 @@ void QInterface::editorSwitch(int id)
     const QToolBarEntry *extraEntry = &m_toolbarEntries[QStringLiteral("extra")];
     const QToolBarEntry *own = &m_toolbarEntries[target->tag()];
     if (flags & QInterfaceEditor::MainToolbarButtons) {
-        fillToolBar(m_mainToolBar, {mainEntry, own});
-        fillToolBar(m_editorToolBar, {});
+        fillToolBar(m_layout.mainToolBar(), {mainEntry, own});
+        fillToolBar(m_layout.editorToolBar(), {});
     } else {
-        fillToolBar(m_mainToolBar, {mainEntry});
-        fillToolBar(m_editorToolBar, {own});
+        fillToolBar(m_layout.mainToolBar(), {mainEntry});
+        fillToolBar(m_layout.editorToolBar(), {own});
     }
-    fillToolBar(m_extraToolBar, {extraEntry});
-    m_editorToolBar->setVisible(!m_editorToolBar->actions().isEmpty());
+    fillToolBar(m_layout.extraToolBar(), {extraEntry});
+    m_layout.editorToolBar()->setVisible(!m_layout.editorToolBar()->actions().isEmpty());
 
     if (QWidget *page = m_editorPages.value(id))
-        m_leftStack->setCurrentWidget(page);
+        m_layout.leftStack()->setCurrentWidget(page);
     showPanels();
     updateEditorName();
 }
 
-void QInterface::showPanels()
+void QEditorRegistry::showPanels()
 {
     QInterfaceEditor *e = editor(m_currentEditor);
     const int flags = e ? e->layoutFlags() : 0;
-    m_leftPanel->setVisible(e && m_showLeftPanel && (flags & QInterfaceEditor::LeftPanel));
-    m_rightPanel->setVisible(e && m_showRightPanel && (flags & QInterfaceEditor::RightPanel)
+    m_layout.leftPanel()->setVisible(e && m_layout.leftPanelWanted() && (flags & QInterfaceEditor::LeftPanel));
+    m_layout.rightPanel()->setVisible(e && m_layout.rightPanelWanted() && (flags & QInterfaceEditor::RightPanel)
                              && m_currentExtra < NoExtraEditor);
 }
 
-void QInterface::fillToolBar(QToolBar *bar, const QList<const QToolBarEntry *> &entries)
+void QEditorRegistry::fillToolBar(QToolBar *bar, const QList<const QToolBarEntry *> &entries)
 {
     bar->clear();
     bool first = true;
@@ -253,7 +281,7 @@ void QInterface::fillToolBar(QToolBar *bar, const QList<const QToolBarEntry *> &
     }
 }
 
-void QInterface::setExtraEditor(int id)
+void QEditorRegistry::setExtraEditor(int id)
 {
     QInterfaceExtraEditor *target = extraEditor(id);
     if (id == m_currentExtra && target)
@@ -263,16 +291,15 @@ void QInterface::setExtraEditor(int id)
     m_currentExtra = target ? id : NoExtraEditor;
     if (target) {
         if (QWidget *page = m_extraPages.value(id))
-            m_rightStack->setCurrentWidget(page);
+            m_layout.rightStack()->setCurrentWidget(page);
         target->activate(true);
     }
     showPanels();
     updateExtraEditorName();
 }
 
-void QInterface::setCurrentProject(QProject *project)
+void QEditorRegistry::setCurrentProject(QProject *project)
 {
-    m_currentProject = project;
     for (auto &[id, x] : m_extraEditors) {
         const bool current = id == m_currentExtra;
         if (current)
@@ -304,7 +331,7 @@ void QInterface::setCurrentProject(QProject *project)
     }
 }
 
-void QInterface::applyProjectType(int projectType)
+void QEditorRegistry::applyProjectType(int projectType)
 {
     for (auto &[id, e] : m_editors) {
         const bool visible = (projectType & e->projectTypes()) != 0;
@@ -324,21 +351,82 @@ void QInterface::applyProjectType(int projectType)
     }
 }
 
-void QInterface::updateEditorName()
+void QEditorRegistry::updateEditorName()
 {
     QInterfaceEditor *e = editor(m_currentEditor);
     if (!e) {
-        m_leftPanel->setTitle(QString());
+        m_layout.leftPanel()->setTitle(QString());
         return;
     }
     QString title = m_actions.translation().text(e->captionId());
     if (e->isModified())
         title += QLatin1Char('*');
-    m_leftPanel->setTitle(title);
+    m_layout.leftPanel()->setTitle(title);
 }
 
-void QInterface::updateExtraEditorName()
+void QEditorRegistry::updateExtraEditorName()
 {
     QInterfaceExtraEditor *x = extraEditor(m_currentExtra);
-    m_rightPanel->setTitle(x ? m_actions.translation().text(x->captionId()) : QString());
+    m_layout.rightPanel()->setTitle(x ? m_actions.translation().text(x->captionId()) : QString());
+}
+
+bool QEditorRegistry::canCloseProject(QProject *project)
+{
+    // Every editor is asked, even after a refusal: each may have its own
+    // question for the user.
+    bool ok = true;
+    for (auto &[id, e] : m_editors)
+        ok = e->canClose(project) && ok;
+    return ok;
+}
+
+void QEditorRegistry::applyConfig()
+{
+    updateEditorName();
+    updateExtraEditorName();
+    for (auto &[id, x] : m_extraEditors)
+        x->applyConfig();
+    for (auto &[id, e] : m_editors)
+        e->applyConfig();
+    for (auto &[id, w] : m_workspaces)
+        w->applyConfig();
+    editorSwitch(m_currentEditor);
+}
+
+void QEditorRegistry::retranslate(const QTranslationUnit &tu)
+{
+    for (auto &[name, c] : m_controls)
+        c->retranslate(tu);
+    for (auto &[id, x] : m_extraEditors)
+        x->retranslate(tu);
+    for (auto &[id, e] : m_editors)
+        e->retranslate(tu);
+    for (auto &[id, w] : m_workspaces)
+        w->retranslate(tu);
+    updateEditorName();
+    updateExtraEditorName();
+}
+
+void QEditorRegistry::editorNew()
+{
+    if (QInterfaceEditor *e = editor(m_currentEditor))
+        e->clear();
+}
+
+void QEditorRegistry::editorOpen()
+{
+    if (QInterfaceEditor *e = editor(m_currentEditor))
+        e->open();
+}
+
+void QEditorRegistry::editorSave()
+{
+    if (QInterfaceEditor *e = editor(m_currentEditor))
+        e->save();
+}
+
+void QEditorRegistry::editorSaveAs()
+{
+    if (QInterfaceEditor *e = editor(m_currentEditor))
+        e->saveAs();
 }
