@@ -32,7 +32,9 @@ QAppRoot::QAppRoot(const QAppPaths &paths)
     m_paths.makeWritable();
     m_objects.paths = &m_paths;
     m_objects.log = new QLog(m_paths.stateFile(QStringLiteral("log.txt")));
+    // The log a bug report carries: every run adds to it, Qt's own warnings included.
     m_objects.log->installMessageHandler();
+    m_objects.log->append(QStringLiteral("Brawlforge started"));
 
     m_window = new MainWindow;
     QCoreApplication::addLibraryPath(QCoreApplication::applicationDirPath());
@@ -97,6 +99,7 @@ QAppRoot::~QAppRoot()
     delete m_objects.stylesheets;
     delete m_objects.iconsets;
     delete m_objects.undoCache;
+    m_objects.log->append(QStringLiteral("Brawlforge stopped"));
     delete m_objects.log;
     QBFCacheFilter::destroyFilters();
     QSpriteCache::purge();

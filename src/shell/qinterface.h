@@ -16,6 +16,7 @@ class QHistoryManager;
 class QListView;
 class QMainWindow;
 class QMenu;
+class QMessages;
 class QModelIndex;
 class QProject;
 class QWindowLayout;
@@ -129,7 +130,17 @@ private:
     bool closeProject(int index);
     void updateProjectStatus();
     void askPaletteSaves(QProject *project, const QString &title, bool oneByOne);
+    // Runs a load, save or copy of `project` under a progress window that
+    // hears the project and its sprite store and can cancel both; the store's
+    // own error boxes wait, as the project reports its failures as a whole.
+    bool runProjectWork(QProject *project, const QString &caption, const std::function<bool()> &work);
+    // Tells the user, and the log, which files failed and why; nothing if none did.
+    void reportFailures(const QString &title, const QString &intro, const QStringList &failures);
+    void spriteOrderWarning(QProject *project, const QList<uint> &sprites);
     void registerDialog(const QString &tag, QWidget *dialog);
+    // Lines for the program's log, when it has one.
+    void log(const QString &line) const;
+    void logMessages(const QString &title, const QMessages &messages) const;
 
     QAppObjects m_objects;
     QActionManager m_actions;
@@ -153,4 +164,5 @@ private:
     QAction *m_viewOrganizer = nullptr;
     QMap<QString, QPointer<QWidget>> m_dialogs;
     QMap<QString, JumpHandler> m_jumpHandlers;
+    int m_projectWork = 0; // project loads and saves under way
 };

@@ -6,6 +6,8 @@
 
 #include "shell/qaction2.h"
 #include "base/qapppaths.h"
+#include "base/qbugreport.h"
+#include "base/qlog.h"
 #include "base/qmugenmodel.h"
 #include "project/qproject.h"
 #include "shell/bugdlg.h"
@@ -277,12 +279,45 @@ void QInterface::helpAbout()
 void QInterface::helpReportBug()
 {
     BugDlg dlg(m_window);
-    QAskUser::exec(&dlg);
+    if (QAskUser::exec(&dlg) != QDialog::Accepted)
+        return;
+    const QString folder = m_currentProject ? m_currentProject->path(QStringLiteral("proj_path")) : QString();
+    const QString target = QAskUser::saveFileName(m_window, tr("Report a bug..."), folder, QBugReport::fileFilter());
+    if (target.isEmpty())
+        return;
+    const QString logFile = m_objects.log ? m_objects.log->path()
+                                          : m_objects.paths ? m_objects.paths->stateFile(QStringLiteral("log.txt"))
+                                                            : QString();
+    QString error;
+    // No store carries a section of its own yet: the package holds the log and the description.
+    if (QBugReport::make(target, logFile, dlg.description(), dlg.flags(), nullptr, &error))
+        log(tr("Bug report written - %1").arg(target));
+    else
+        QAskUser::warning(m_window, tr("Report a bug"), error);
 }
 
 void QInterface::restoreBugReport()
 {
-    helpReportBug();
+    const QString package = QAskUser::openFileName(m_window, tr("Restore Bug Report"), QString(),
+                                                   QBugReport::fileFilter());
+    if (package.isEmpty())
+        return;
+    QString error;
+    const QString folder = m_objects.paths ? m_objects.paths->stateDir() : QString();
+    if (!QBugReport::restore(package, folder, nullptr, &error))
+        QAskUser::warning(m_window, tr("Restore Bug Report"), error);
+}
+
+void QInterface::log(const QString &line) const
+{
+    if (m_objects.log)
+        m_objects.log->append(line);
+}
+
+void QInterface::logMessages(const QString &title, const QMessages &messages) const
+{
+    if (m_objects.log)
+        m_objects.log->appendMessages(title, messages);
 }
 
 void QInterface::actionChanged(const QModelIndex &index)
