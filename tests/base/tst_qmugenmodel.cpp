@@ -2,6 +2,7 @@
 
 #include "base/qmugenmodel.h"
 #include "base/qxmlhelper.h"
+#include "testsupport.h"
 
 #include <QDomDocument>
 #include <QSignalSpy>
@@ -18,12 +19,7 @@ class TestQMugenModel : public QObject
 
     QString write(const QString &name, const QByteArray &body)
     {
-        const QString path = m_dir.filePath(name);
-        QFile f(path);
-        if (!f.open(QIODevice::WriteOnly))
-            return QString();
-        f.write(body);
-        return path;
+        return TestSupport::writeAll(m_dir.filePath(name), body) ? m_dir.filePath(name) : QString();
     }
     static QByteArray configDoc(const QByteArray &entries)
     {
@@ -68,6 +64,20 @@ private slots:
         QCOMPARE(m.map.value("zoom_level").toInt(), 5);
         QCOMPARE(m.map.value("preset").toString(), QStringLiteral("Classic"));
         QCOMPARE(m.map.value("my_own").toString(), QStringLiteral("x"));
+
+        // The typed reads take strings from a file and values set in code
+        // alike; one rule decides what a switch is.
+        for (const char *on : {"true", "TRUE", "1", "yes", " on "})
+            QVERIFY2(QMugenModel::toFlag(QString::fromLatin1(on)), on);
+        for (const char *off : {"false", "0", "no", "off"})
+            QVERIFY2(!QMugenModel::toFlag(QString::fromLatin1(off), true), off);
+        QVERIFY(QMugenModel::toFlag(QString(), true) && QMugenModel::toFlag(QStringLiteral("maybe"), true));
+        QVERIFY(QMugenModel::toFlag(true) && !QMugenModel::toFlag(false, true));
+        QVERIFY(m.flag("use_opengl") && !m.flag("show_rulers") && m.flag("missing_key", true));
+        QCOMPARE(m.number("zoom_level"), 5);
+        QCOMPARE(m.number("show_rulers", 7), 7);
+        QCOMPARE(m.text("preset"), QStringLiteral("Classic"));
+        QVERIFY(!m.map.contains("missing_key")); // a typed read creates nothing
 
         // A load resets what the file doesn't name, and forgets keys without a default.
         m.map["zoom_level"] = 9;

@@ -22,6 +22,9 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+using TestSupport::readAll;
+using TestSupport::writeAll;
+
 namespace {
 
 struct Run
@@ -103,17 +106,7 @@ QStringList sampleSpriteFiles()
     return files;
 }
 
-QByteArray readAll(const QString &path)
-{
-    QFile f(path);
-    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
-}
 
-bool writeAll(const QString &path, const QByteArray &bytes)
-{
-    QFile f(path);
-    return f.open(QIODevice::WriteOnly) && f.write(bytes) == bytes.size();
-}
 
 quint32 word32(const QByteArray &b, qsizetype at)
 {

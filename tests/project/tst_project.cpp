@@ -1,5 +1,7 @@
 #include <QtTest>
 
+#include "testsupport.h"
+
 #include "project/qproject.h"
 #include "projectstate.h"
 #include "sprites/qpalettefile.h"
@@ -8,21 +10,12 @@
 #include <QTemporaryDir>
 #include <QTextDocument>
 
+using TestSupport::readAll;
+using TestSupport::writeAll;
+
 namespace {
 
-QByteArray readAll(const QString &path)
-{
-    QFile f(path);
-    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray("<unreadable>");
-}
 
-void writeAll(const QString &path, const QByteArray &bytes)
-{
-    QDir().mkpath(QFileInfo(path).absolutePath());
-    QFile f(path);
-    QVERIFY(f.open(QIODevice::WriteOnly));
-    QCOMPARE(f.write(bytes), qint64(bytes.size()));
-}
 
 QByteArray act(quint8 first)
 {

@@ -71,12 +71,7 @@ struct Answers
 
 QString writeText(const QString &path, const QByteArray &text)
 {
-    QDir().mkpath(QFileInfo(path).absolutePath());
-    QFile f(path);
-    if (!f.open(QIODevice::WriteOnly))
-        return QString();
-    f.write(text);
-    return path;
+    return TestSupport::writeAll(path, text) ? path : QString();
 }
 
 QImage rgbImage()

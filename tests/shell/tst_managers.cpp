@@ -1,5 +1,7 @@
 #include <QtTest>
 
+#include "testsupport.h"
+
 #include "code/qsctrlmanager.h"
 #include "code/syntaxformats.h"
 #include "shell/qaction2.h"
@@ -21,12 +23,6 @@ extern "C" {
 #include <QTemporaryDir>
 
 namespace {
-bool writeFile(const QString &path, const QByteArray &bytes)
-{
-    QDir().mkpath(QFileInfo(path).path());
-    QFile f(path);
-    return f.open(QIODevice::WriteOnly) && f.write(bytes) == bytes.size();
-}
 
 class WatchedDoc : public QFileWatchObject
 {
@@ -108,12 +104,12 @@ private slots:
     {
         const QString root = m_dir.filePath("appearance");
         // Icon sets: sub-folders; the icons of a set go onto the actions by key.
-        QVERIFY(writeFile(root + "/iconsets/Blue/Iconset.xml",
+        QVERIFY(TestSupport::writeAll(root + "/iconsets/Blue/Iconset.xml",
                           "<!DOCTYPE ORVIconsetML><iconset><icon name=\"spr_save\" file=\"save.png\"/></iconset>"));
         QImage img(8, 8, QImage::Format_ARGB32);
         img.fill(Qt::blue);
         QVERIFY(img.save(root + "/iconsets/Blue/save.png"));
-        QVERIFY(writeFile(root + "/iconsets/Broken/Iconset.xml", "<iconset><icon"));
+        QVERIFY(TestSupport::writeAll(root + "/iconsets/Broken/Iconset.xml", "<iconset><icon"));
         QIconsetManager icons({root + "/iconsets"});
         QCOMPARE(icons.count(), 2);
         QActionManager am;
@@ -132,11 +128,11 @@ private slots:
         QVERIFY(icons.icon("spr_save").isNull());
 
         // Languages: only folders with a readable info.xml, rooted right, count.
-        QVERIFY(writeFile(root + "/languages/pt-br/info.xml",
+        QVERIFY(TestSupport::writeAll(root + "/languages/pt-br/info.xml",
                           "<!DOCTYPE ORVLanguageML><language value=\"pt-br\" name=\"Portugues\" author=\"A\" contact=\"a@b\"/>"));
-        QVERIFY(writeFile(root + "/languages/pt-br/broken.QM", "not a translation"));
-        QVERIFY(writeFile(root + "/languages/xx/info.xml", "<colors/>"));
-        QVERIFY(writeFile(root + "/languages/.hidden/info.xml", "<language name=\"h\"/>"));
+        QVERIFY(TestSupport::writeAll(root + "/languages/pt-br/broken.QM", "not a translation"));
+        QVERIFY(TestSupport::writeAll(root + "/languages/xx/info.xml", "<colors/>"));
+        QVERIFY(TestSupport::writeAll(root + "/languages/.hidden/info.xml", "<language name=\"h\"/>"));
         QVERIFY(QDir().mkpath(root + "/languages/empty"));
         QLanguageManager langs(root + "/languages", QCoreApplication::instance());
         QCOMPARE(langs.count(), 1);
@@ -177,21 +173,21 @@ private slots:
     void servicesAndScripts()
     {
         const QString root = m_dir.filePath("services");
-        QVERIFY(writeFile(root + "/sctrls/ChangeState.sctrl", "x"));
-        QVERIFY(writeFile(root + "/sctrls/notes.txt", "x"));
-        QVERIFY(writeFile(root + "/snippets/b.xml", "<snippet/>"));
-        QVERIFY(writeFile(root + "/snippets/a.xml", "<snippet/>"));
+        QVERIFY(TestSupport::writeAll(root + "/sctrls/ChangeState.sctrl", "x"));
+        QVERIFY(TestSupport::writeAll(root + "/sctrls/notes.txt", "x"));
+        QVERIFY(TestSupport::writeAll(root + "/snippets/b.xml", "<snippet/>"));
+        QVERIFY(TestSupport::writeAll(root + "/snippets/a.xml", "<snippet/>"));
         QSCtrlManager sctrls({root + "/sctrls"});
         QCOMPARE(sctrls.names(), QStringList{"ChangeState"});
         QCOMPARE(sctrls.data(sctrls.index(0)).toString(), QStringLiteral("ChangeState"));
-        QVERIFY(writeFile(root + "/sctrls/Explod.sctrl", "x"));
+        QVERIFY(TestSupport::writeAll(root + "/sctrls/Explod.sctrl", "x"));
         QSignalSpy reset(&sctrls, &QAbstractItemModel::modelReset);
         sctrls.refresh();
         QCOMPARE(sctrls.rowCount(), 2);
         QCOMPARE(reset.count(), 1);
         // Several folders, the user's first: a name found twice is the first one's.
-        QVERIFY(writeFile(root + "/own/snippets/b.xml", "<snippet own=\"1\"/>"));
-        QVERIFY(writeFile(root + "/own/snippets/c.xml", "<snippet/>"));
+        QVERIFY(TestSupport::writeAll(root + "/own/snippets/b.xml", "<snippet own=\"1\"/>"));
+        QVERIFY(TestSupport::writeAll(root + "/own/snippets/c.xml", "<snippet/>"));
         QSnippetManager snippets({root + "/own/snippets", root + "/snippets", root + "/none"});
         QCOMPARE(snippets.names(), (QStringList{"a", "b", "c"}));
         QCOMPARE(snippets.filePath("b"), root + "/own/snippets/b.xml");
@@ -201,12 +197,12 @@ private slots:
         QCOMPARE(nothing.rowCount(), 0);
 
         // Scripts: categories are folders, scripts are .lua files in them.
-        QVERIFY(writeFile(root + "/scripts/tool/Hello.lua", "function main() print('hi', 2) end"));
-        QVERIFY(writeFile(root + "/scripts/tool/Broken.lua", "function main( end"));
-        QVERIFY(writeFile(root + "/scripts/tool/readme.txt", "x"));
-        QVERIFY(writeFile(root + "/scripts/common/util.lua", "return { twice = function(x) return 2*x end }"));
-        QVERIFY(writeFile(root + "/scripts/project/Uses.lua", "local u = require('util'); result = u.twice(21)"));
-        QVERIFY(writeFile(root + "/scripts/.git/x.lua", ""));
+        QVERIFY(TestSupport::writeAll(root + "/scripts/tool/Hello.lua", "function main() print('hi', 2) end"));
+        QVERIFY(TestSupport::writeAll(root + "/scripts/tool/Broken.lua", "function main( end"));
+        QVERIFY(TestSupport::writeAll(root + "/scripts/tool/readme.txt", "x"));
+        QVERIFY(TestSupport::writeAll(root + "/scripts/common/util.lua", "return { twice = function(x) return 2*x end }"));
+        QVERIFY(TestSupport::writeAll(root + "/scripts/project/Uses.lua", "local u = require('util'); result = u.twice(21)"));
+        QVERIFY(TestSupport::writeAll(root + "/scripts/.git/x.lua", ""));
         QScriptManager scripts(root + "/scripts");
         QCOMPARE(scripts.categories(), (QStringList{"common", "project", "tool"}));
         QCOMPARE(scripts.scripts("tool").keys(), (QStringList{"Broken", "Hello"}));
@@ -232,7 +228,7 @@ private slots:
 
         // The watcher tells about outside changes, not about the program's own saves.
         const QString watchedPath = root + "/watched.def";
-        QVERIFY(writeFile(watchedPath, "[Info]"));
+        QVERIFY(TestSupport::writeAll(watchedPath, "[Info]"));
         QFileWatcherManager watcher;
         WatchedDoc doc;
         doc.path = watchedPath;
@@ -242,7 +238,7 @@ private slots:
         watcher.watch(&unnamed);
         QCOMPARE(watcher.watchedCount(), 1);
         QSignalSpy changed(&watcher, &QFileWatcherManager::fileChanged);
-        QVERIFY(writeFile(watchedPath, "[Info]\nname=x"));
+        QVERIFY(TestSupport::writeAll(watchedPath, "[Info]\nname=x"));
         QTRY_COMPARE(changed.count(), 1);
         watcher.unwatch(&doc);
         QCOMPARE(watcher.watchedCount(), 0);
@@ -252,7 +248,7 @@ private slots:
     {
         // A write that can't complete leaves the previous file as it was.
         const QString path = m_dir.filePath("keep.xml");
-        QVERIFY(writeFile(path, "<old/>"));
+        QVERIFY(TestSupport::writeAll(path, "<old/>"));
         QDomDocument doc("ORVTestML");
         doc.appendChild(doc.createElement("root"));
         QVERIFY(!QXmlHelper::save(doc, m_dir.filePath("no/dir/keep.xml")));

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QByteArray>
 #include <QString>
 
 namespace TestSupport {
@@ -16,6 +17,12 @@ QString samplePath(const QString &relative);
 
 // Folder of the fixtures kept with the tests (tests/fixtures).
 QString fixturesDir();
+
+// The bytes of a file; "<unreadable>" when it can't be read, so that a
+// comparison with real content fails.
+QByteArray readAll(const QString &path);
+// Writes a file, making its folder first; false when that fails.
+bool writeAll(const QString &path, const QByteArray &bytes);
 
 } // namespace TestSupport
 
