@@ -93,12 +93,7 @@ private slots:
     void engineSlots()
     {
         // A gap: only slot 3 gives one row; slot 50 never makes a row.
-        const QString path = write("gap.xml", configDoc(
-            "<config name=\"mugen_3_name\" value=\"Three\"/>\n"
-            "<config name=\"mugen_3_exe\" value=\"/opt/m/mugen\"/>\n"
-            "<config name=\"mugen_3_params\" value=\"-p1 %1\"/>\n"
-            "<config name=\"mugen_50_name\" value=\"Fifty\"/>\n"
-            "<config name=\"mugen_49_name\" value=\"Last\"/>\n"));
+        const QString path = TestSupport::fixturesDir() + "/config/gap.xml";
         QMugenModel m;
         QSignalSpy inserted(&m, &QAbstractItemModel::rowsInserted);
         QVERIFY(m.load(path));

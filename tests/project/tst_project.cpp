@@ -25,24 +25,17 @@ QByteArray act(quint8 first)
     return b;
 }
 
-// A character with the usual pieces, some missing, written in the layout the
-// engine's own sample uses (CR LF, comments after values).
+// A copy of the fixture character (tests/fixtures/hero): the usual pieces, some
+// missing, in the layout of the engine's own sample (CR LF, comments after
+// values); `extraFiles` go at the end of its [Files].
 QString makeCharacter(const QString &dir, const QByteArray &extraFiles = QByteArray())
 {
+    const QString from = TestSupport::fixturesDir() + QStringLiteral("/hero/");
+    for (const char *name : {"hero.cmd", "hero.cns", "states/walk.st", "hero.air", "hero.snd", "hero1.act",
+                                "broken.act", "pals/hero4.act"})
+        writeAll(dir + QLatin1Char('/') + QLatin1String(name), readAll(from + QLatin1String(name)));
     const QString def = dir + QStringLiteral("/hero.def");
-    writeAll(def, "; Hero\r\n[Info]\r\nname = \"Hero\" ;shown name\r\nmugenversion = 1.0\r\nlocalcoord = 640,480\r\n\r\n"
-                  "[Files]\r\ncmd = hero.cmd ; commands\r\ncns = hero.cns\r\nst = hero.cns\r\nst1 = States\\walk.st\r\n"
-                  "stcommon = common1.cns ;from the engine's data\r\nsprite = hero.sff\r\nanim = hero.air\r\n"
-                  "sound = hero.snd\r\npal1 = hero1.act\r\npal2 = missing.act\r\npal3 = broken.act\r\npal4 = pals/hero4.act\r\n"
-                  + extraFiles + "\r\n[Arcade]\r\nintro.storyboard = intro.def\r\n");
-    writeAll(dir + QStringLiteral("/hero.cmd"), "; commands in a legacy code page: caf\xE9\n[Command]\nname = \"x\"\n");
-    writeAll(dir + QStringLiteral("/hero.cns"), "\xEF\xBB\xBF[Data]\r\nlife = 1000\r\n[Statedef 0]\r\ntype = S\r\n");
-    writeAll(dir + QStringLiteral("/states/walk.st"), "[Statedef 20]\r\ntype = S\r\n");
-    writeAll(dir + QStringLiteral("/hero.air"), "[Begin Action 0]\r\n0,0, 0,0, -1\r\n");
-    writeAll(dir + QStringLiteral("/hero.snd"), QByteArray("ElecbyteSnd\0", 12) + QByteArray(500, '\0'));
-    writeAll(dir + QStringLiteral("/hero1.act"), act(1));
-    writeAll(dir + QStringLiteral("/broken.act"), "short");
-    writeAll(dir + QStringLiteral("/pals/hero4.act"), act(4));
+    writeAll(def, readAll(from + QStringLiteral("hero.def")).replace("\r\n[Arcade]", extraFiles + "\r\n[Arcade]"));
     return def;
 }
 

@@ -2,6 +2,7 @@
 
 #include "shell/qaction2.h"
 #include "approot.h"
+#include "testsupport.h"
 #include "shell/qcolorsetmanager.h"
 #include "shell/qiconsetmanager.h"
 #include "base/qlifecyclelog.h"
@@ -275,22 +276,7 @@ private slots:
         QVERIFY(m_presets.isValid());
         QPresetManager pm = testPresets();
         pm.setDpiOverride(192); // everything doubles
-        writePreset("Twice", R"(<!DOCTYPE ORVPresetML>
-<preset panel-metric="150,4,20" extra-metric="bad">
-  <toolbar name="main" iconsize="12"><button name="edit_undo"/><separator/><button name="nope"/><button name="edit_redo"/></toolbar>
-  <toolbar name="newbar"/>
-  <unknown/>
-  <panel name="sprites">
-    <control name="edit_undo" position="10,20" size="30,25" flat="true" icon="8"/>
-    <control name="edit_undo" position="x,1"/>
-    <control name="no_such_control" position="1,1"/>
-    <control name="spin2" position="5,5" size="40,20"/>
-    <control name="spin2" position="5,50" size="bad"/>
-    <control name="spin2" position="5,90"/>
-  </panel>
-  <panel name="organizer" parent="extra"><control name="edit_redo" position="1,2"/></panel>
-  <panel name="missing"><control name="edit_cut"/></panel>
-</preset>)");
+        QVERIFY(QFile::copy(TestSupport::fixturesDir() + "/presets/Twice.xml", m_presets.filePath("Twice.xml")));
         pm.refresh();
         QVERIFY(pm.count() >= 1);
         const QTranslationUnit &tu = ui()->actionManager().translation();
