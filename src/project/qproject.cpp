@@ -195,6 +195,36 @@ QString QProject::resolveFile(const QString &folder, const QString &name)
 
 // ---------------------------------------------------------------- DEF scan
 
+bool QProject::keepsPalettesInDefFiles() const
+{
+    return m_type == QProjectType::Character && m_sprites.version == QSprites::Version101;
+}
+
+QString QProject::writePaletteFile(int index, const QString &file)
+{
+    const QRGBPal *colors = m_sprites.paletteColors(index);
+    QString error;
+    QDir().mkpath(QFileInfo(file).absolutePath());
+    if (!colors || QPaletteFile::saveAct(file, *colors, &error))
+        return QString();
+    return QStringLiteral("%1: %2").arg(QDir::toNativeSeparators(file), error);
+}
+
+QStringList QProject::writeDefPalettes()
+{
+    QStringList failures;
+    const QProjectDefFiles files = scanDef(m_definitions.fileName());
+    for (int i = 0; i < files.palettes.size(); ++i) {
+        const int index = m_sprites.findPalette(0, 1, i + 1);
+        if (index < 0)
+            continue;
+        const QString failure = writePaletteFile(index, resolveFile(files.folder, files.palettes.at(i)));
+        if (!failure.isEmpty())
+            failures << failure;
+    }
+    return failures;
+}
+
 QString QProject::definitionFor(const QString &file)
 {
     const QFileInfo info(file);

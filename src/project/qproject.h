@@ -113,6 +113,15 @@ public:
     // count as separators, and when the exact name is missing a name that
     // differs only in letter case is taken, as the engine's own system would.
     static QString resolveFile(const QString &folder, const QString &name);
+    // Palettes of group 1 that live in files of their own: a character whose
+    // sprite file is version 1.01 keeps them in the files the DEF names
+    // (pal1 is palette 1,1 and so on). True when that is the case.
+    bool keepsPalettesInDefFiles() const;
+    // Writes each palette 1,i to the file the DEF names as pal<i>; returns
+    // what failed ("file: reason"), empty if nothing did.
+    QStringList writeDefPalettes();
+    // Writes palette `index` of the sprites as an ACT file; empty or the failure.
+    QString writePaletteFile(int index, const QString &file);
     // The DEF in the folder of `file` that names it (the first by file name),
     // or an empty string: how a sprite or sound file finds its project.
     static QString definitionFor(const QString &file);

@@ -21,11 +21,6 @@
 #include <QMainWindow>
 #include <QTabBar>
 
-namespace {
-constexpr quint32 kSff101 = 0x01000100;
-constexpr quint32 kSff201 = 0x02000100;
-} // namespace
-
 QString QInterface::configString(const char *key) const
 {
     return m_objects.config ? m_objects.config->text(QString::fromLatin1(key)) : QString();
@@ -177,43 +172,29 @@ void QInterface::fileSaveAs()
 
 void QInterface::askPaletteSaves(QProject *project, const QString &title, bool oneByOne)
 {
-    QSprites *sprites = project->sprites();
-    if (project->type() != QProjectType::Character || sprites->version != kSff101
-        || !configFlag("ask_save_palettes", true))
+    if (!project->keepsPalettesInDefFiles() || !configFlag("ask_save_palettes", true))
         return;
     if (!QAskUser::question(m_window, title,
                             tr("Do you want to save the palettes of the group 1 based on the definitions (palette "
                                "1,x = palx in DEF)?\nChoose No to ignore palettes.")))
         return;
-
+    if (!oneByOne) {
+        reportFailures(title, tr("Some palettes could not be saved:"), project->writeDefPalettes());
+        return;
+    }
+    // A new name for each palette of group 1.
     QStringList failures;
-    auto write = [&](int index, const QString &file) {
-        const QRGBPal *colors = sprites->paletteColors(index);
-        QString error;
-        QDir().mkpath(QFileInfo(file).absolutePath());
-        if (colors && !QPaletteFile::saveAct(file, *colors, &error))
-            failures << QStringLiteral("%1: %2").arg(QDir::toNativeSeparators(file), error);
-    };
-    if (oneByOne) {
-        // A new name for each palette of group 1.
-        for (int i = 0; i < sprites->paletteCount(); ++i) {
-            const QPaletteInfo info = sprites->paletteInfo(i);
-            if (info.group != 1)
-                continue;
-            const QString file = QAskUser::saveFileName(m_window, tr("Save as...") + tr(" 1, %1").arg(info.number),
-                                                        project->path(QStringLiteral("proj_path")),
-                                                        tr("Adobe Color Table (*.act)"));
-            if (!file.isEmpty())
-                write(i, file);
-        }
-    } else {
-        // The names the DEF gives: pal1 is palette 1,1 and so on.
-        const QProjectDefFiles files = project->scanDef(project->definitions()->fileName());
-        for (int i = 0; i < files.palettes.size(); ++i) {
-            const int index = sprites->findPalette(0, 1, i + 1);
-            if (index >= 0)
-                write(index, QProject::resolveFile(files.folder, files.palettes.at(i)));
-        }
+    const QSprites *sprites = project->sprites();
+    for (int i = 0; i < sprites->paletteCount(); ++i) {
+        const QPaletteInfo info = sprites->paletteInfo(i);
+        if (info.group != 1)
+            continue;
+        const QString file = QAskUser::saveFileName(m_window, tr("Save as...") + tr(" 1, %1").arg(info.number),
+                                                    project->path(QStringLiteral("proj_path")),
+                                                    tr("Adobe Color Table (*.act)"));
+        const QString failure = file.isEmpty() ? QString() : project->writePaletteFile(i, file);
+        if (!failure.isEmpty())
+            failures << failure;
     }
     reportFailures(title, tr("Some palettes could not be saved:"), failures);
 }
@@ -366,7 +347,7 @@ bool QInterface::canSave(QProject *project, QProjectFile kind, quint32 version)
         if (sprites->paletteCount() > 0)
             break;
         // Without palettes only true-colour sprites of a 2.01 file can be written.
-        bool needsPalette = version != kSff201;
+        bool needsPalette = version != QSprites::Version201;
         for (int i = 0; !needsPalette && i < sprites->count(); ++i)
             needsPalette = sprites->item(i)->imageFormat == QImage::Format_Indexed8;
         if (needsPalette)
