@@ -68,7 +68,7 @@ QByteArray makeFile()
     hd.ldataOffset = hd.spriteOffset + Sff::SpriteNodeSize * SpriteCount;
     hd.ldataLength = quint32(ldata.size());
     hd.tdataOffset = hd.ldataOffset + hd.ldataLength;
-    hd.write(fw, Sff::Version200);
+    hd.write(fw, QSffVersion::V200);
     Sff::V2PaletteNode pn;
     pn.colorCount = 256;
     pn.length = 1024;
@@ -162,7 +162,7 @@ void BM_MemoryPerSprite(benchmark::State &state)
             auto sprites = std::make_unique<QSprites>(QSpriteCache::Memory, false);
             sprites->fromFile(f.path, false, false);
             const size_t after = mallinfo2().uordblks;
-            overhead = (double(after) - double(before) - double(sprites->cache.storedTotal()))
+            overhead = (double(after) - double(before) - double(sprites->cache().storedTotal()))
                        / sprites->count();
         }
         state.PauseTiming();

@@ -58,7 +58,7 @@ QList<SlotLine> slotsOf(QProject &project)
     out.append({QStringLiteral("definitions"), project.definitions()->fileName(), lineCount(project.definitions()),
                 QStringLiteral("lines")});
     QSprites *sprites = project.sprites();
-    out.append({QStringLiteral("sprites"), sprites->fileName, sprites->count(), QStringLiteral("sprites")});
+    out.append({QStringLiteral("sprites"), sprites->fileName(), sprites->count(), QStringLiteral("sprites")});
     out.append({QStringLiteral("palettes"), QString(), sprites->paletteCount(), QStringLiteral("palettes")});
     if (project.type() == QProjectType::Font)
         return out;

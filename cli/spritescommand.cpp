@@ -36,18 +36,8 @@ namespace SpritesCommand {
 // The versions a sprite file can be saved in, by the names authors use.
 static bool parseVersion(const QString &text, quint32 *version)
 {
-    static const struct { const char *name; const char *dotted; quint32 value; } known[] = {
-        {"1.01", "1.0.1.0", 0x01000100u},
-        {"2.00", "2.0.0.0", 0x02000000u},
-        {"2.01", "2.0.1.0", 0x02000100u},
-    };
-    for (const auto &k : known) {
-        if (text == QLatin1String(k.name) || text == QLatin1String(k.dotted)) {
-            *version = k.value;
-            return true;
-        }
-    }
-    return false;
+    *version = QSffVersion::fromName(text);
+    return *version != 0;
 }
 
 // Refuses, with the one line of the failure, a file that isn't a sprite file.
@@ -147,6 +137,19 @@ ExitCode convert(const QStringList &words)
                 misplaced << QStringLiteral("%1,%2").arg(s->info.group).arg(s->info.number);
         }
     });
+    // What the version can't hold is said before the file is written, and
+    // written all the same: the author asked for that version.
+    const QList<uint> changed = store.spritesChangedBy(version, isCharacter);
+    if (!changed.isEmpty()) {
+        QStringList names;
+        for (uint i : changed)
+            names << QStringLiteral("%1,%2").arg(store.item(int(i))->info.group).arg(store.item(int(i))->info.number);
+        Console::err(QStringLiteral("%1(0): %2 sprites will show other colours in version %3: %4\n")
+                         .arg(target.fileName())
+                         .arg(changed.size())
+                         .arg(QSffVersion::name(version), names.join(QStringLiteral("; "))));
+        ++issues;
+    }
     ProgressMeter meter(QStringLiteral("Saving %1").arg(target.fileName()));
     QObject::connect(&store, &QSprites::progress, &meter, &ProgressMeter::update);
     const bool saved = store.toFile(output, isCharacter, version, true, false);

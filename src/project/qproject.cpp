@@ -58,7 +58,7 @@ QProject::QProject(const QProjectSettings &settings, QObject *parent)
     }
     m_animations.setMessages(&m_messages);
     m_sprites.setUndoCache(settings.undoCache);
-    m_sprites.messages = &m_messages;
+    m_sprites.setMessages(&m_messages);
     // The store says why a file failed through fileError; the project puts
     // the reason into its own report of that file.
     connect(&m_sprites, &QSprites::fileError, this,
@@ -197,7 +197,7 @@ QString QProject::resolveFile(const QString &folder, const QString &name)
 
 bool QProject::keepsPalettesInDefFiles() const
 {
-    return m_type == QProjectType::Character && m_sprites.version == QSprites::Version101;
+    return m_type == QProjectType::Character && m_sprites.version() == QSffVersion::V101;
 }
 
 QString QProject::writePaletteFile(int index, const QString &file)
@@ -621,9 +621,7 @@ bool QProject::fromFile(const QString &fileName, uint codepage, bool backup, boo
     // number even when it can't be read, so the others keep theirs.
     // Reading a backup back replaces what the store holds but keeps its file.
     if (temporary && (m_sprites.count() > 0 || m_sprites.paletteCount() > 0)) {
-        const QString keep = m_sprites.fileName;
-        m_sprites.clear();
-        m_sprites.fileName = keep;
+        m_sprites.clearContent();
     }
     if (isCharacter()) {
         int number = 0;
@@ -1015,11 +1013,7 @@ void QProject::loadPalette(const QString &path, int number)
         return;
     }
     // Part of reading the project, not an edit: no undo, no unsaved mark.
-    const bool undo = m_sprites.undoEnabled;
-    m_sprites.undoEnabled = false;
-    m_sprites.addPalette(colors, false, 1, number);
-    m_sprites.undoEnabled = undo;
-    m_sprites.modified = false;
+    m_sprites.addLoadedPalette(colors, 1, number);
 }
 
 bool QProject::loadSprites(const QString &path, bool temporary, uint position, uint total)
@@ -1071,12 +1065,12 @@ bool QProject::spritesModified() const
 
 quint32 QProject::spritesVersion() const
 {
-    return m_sprites.version;
+    return m_sprites.version();
 }
 
 QString QProject::spritesFile() const
 {
-    return m_sprites.fileName;
+    return m_sprites.fileName();
 }
 
 bool QProject::writeSprites(const QString &path, quint32 version, bool temporary, bool quick)
@@ -1094,7 +1088,7 @@ bool QProject::writeSprites(const QString &path, quint32 version, bool temporary
 
 const QRGBPal *QProject::palette(int number) const
 {
-    const QPaletteList &list = m_sprites.palettes;
+    const QPaletteList &list = m_sprites.palettes();
     const int index = number > 0 ? list.find(0, 1, number) : -1;
     return index < 0 ? nullptr : list.colors(index);
 }

@@ -344,14 +344,28 @@ bool QInterface::canSave(QProject *project, QProjectFile kind, quint32 version)
         if (sprites->count() == 0)
             return refuse(tr("Save Sprites"),
                           tr("You can't save an empty SFF because M.U.G.E.N. will not open it."));
-        if (sprites->paletteCount() > 0)
-            break;
-        // Without palettes only true-colour sprites of a 2.01 file can be written.
-        bool needsPalette = version != QSprites::Version201;
-        for (int i = 0; !needsPalette && i < sprites->count(); ++i)
-            needsPalette = sprites->item(i)->imageFormat == QImage::Format_Indexed8;
-        if (needsPalette)
-            return refuse(tr("Save SFF"), tr("You can't save this SFF without palettes."));
+        if (sprites->paletteCount() == 0) {
+            // Without palettes only true-colour sprites of a 2.01 file can be written.
+            bool needsPalette = version != QSffVersion::V201;
+            for (int i = 0; !needsPalette && i < sprites->count(); ++i)
+                needsPalette = sprites->item(i)->imageFormat == QImage::Format_Indexed8;
+            if (needsPalette)
+                return refuse(tr("Save SFF"), tr("You can't save this SFF without palettes."));
+        }
+        // What the version can't hold is said before anything is written.
+        const QList<uint> changed = sprites->spritesChangedBy(version, project->type() == QProjectType::Character);
+        if (!changed.isEmpty()) {
+            QStringList names;
+            for (uint i : changed.mid(0, 20))
+                names << QStringLiteral("%1,%2").arg(sprites->item(int(i))->info.group).arg(sprites->item(int(i))->info.number);
+            if (changed.size() > names.size())
+                names << QStringLiteral("...");
+            if (!QAskUser::question(m_window, tr("Save SFF"),
+                                    tr("%1 sprites will show other colours in this version: %2.\n\nSave anyway?")
+                                        .arg(changed.size())
+                                        .arg(names.join(QStringLiteral("; ")))))
+                return false;
+        }
         break;
     }
     default:

@@ -2,6 +2,8 @@
 
 #include "ui_savespr.h"
 
+#include "sprites/qsffversion.h"
+
 SaveSpr::SaveSpr(quint32 currentVersion, QWidget *parent)
     : QDialog(parent), ui(std::make_unique<Ui::SaveSpr>())
 {
@@ -15,19 +17,19 @@ SaveSpr::~SaveSpr() = default;
 quint32 SaveSpr::version() const
 {
     if (ui->mugenBT->isChecked())
-        return 0x01000100;
+        return QSffVersion::V101;
     if (ui->mugen10->isChecked())
-        return 0x02000000;
-    return 0x02000100;
+        return QSffVersion::V200;
+    return QSffVersion::V201;
 }
 
 void SaveSpr::setVersion(quint32 version)
 {
     // Anything that is not one of the two older versions is offered as the
     // newest, which holds every kind of sprite.
-    if (version == 0x01000100)
+    if (version == QSffVersion::V101)
         ui->mugenBT->setChecked(true);
-    else if (version == 0x02000000)
+    else if (version == QSffVersion::V200)
         ui->mugen10->setChecked(true);
     else
         ui->mugen11->setChecked(true);

@@ -17,7 +17,7 @@ public:
     explicit SaveSpr(quint32 currentVersion, QWidget *parent = nullptr);
     ~SaveSpr() override;
 
-    // The version of the checked button: 0x01000100, 0x02000000 or 0x02000100.
+    // The version of the checked button, one of QSffVersion's.
     quint32 version() const;
     void setVersion(quint32 version);
 

@@ -135,6 +135,57 @@ QImage QPCXCacheFilter::read(const QByteArray &file)
     return readPcx(file, 0x10000, 0x10000);
 }
 
+QPCXCacheFilter::Layout QPCXCacheFilter::layout(const QByteArray &file)
+{
+    Layout out;
+    QCodecReader in(file);
+    if (in.next() != 10 || in.next() != 5)
+        return out;
+    in.seek(3);
+    const int bitsPerPixel = in.next();
+    const int xMin = in.next16(), yMin = in.next16(), xMax = in.next16(), yMax = in.next16();
+    in.seek(65);
+    const int planes = in.next();
+    const qint64 bytesPerLine = in.next16();
+    const int depth = bitsPerPixel * planes;
+    const QImage::Format format = formatForDepth(depth);
+    // The same limits as read(), so that both agree on what a sprite is.
+    const int width = qMin(xMax + 1 - xMin, 0x10000);
+    const int height = qMin(yMax + 1 - yMin, 0x10000);
+    if (format == QImage::Format_Invalid || width <= 0 || height <= 0
+        || qsizetype(width) * height * (format == QImage::Format_Indexed8 ? 1 : 4) > MaxImageBytes)
+        return out;
+    out.width = width;
+    out.height = height;
+    out.format = format;
+
+    // Every line takes bytesPerLine values per plane; a run left over at the
+    // end is dropped, as read() drops it.
+    const qint64 wanted = qint64(height) * planes * bytesPerLine;
+    qint64 got = 0;
+    in.seek(HeaderSize);
+    while (got < wanted) {
+        if (in.atEnd())
+            return out;
+        const quint8 b = in.next();
+        if (b >= 192) {
+            in.next();
+            got += b & 63;
+        } else {
+            ++got;
+        }
+    }
+    out.dataEnd = in.pos();
+    if (depth == 8 && !in.atEnd() && in.next() == 12 && !in.atEnd()) {
+        out.colorTable.resize(256);
+        for (QRgb &c : out.colorTable) {
+            const quint8 r = in.next(), g = in.next(), b = in.next();
+            c = qRgb(r, g, b);
+        }
+    }
+    return out;
+}
+
 QByteArray QPCXCacheFilter::decode(const QByteArray &stored, const QSpriteSize &size) const
 {
     if (size.isEmpty())

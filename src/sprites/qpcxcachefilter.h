@@ -22,6 +22,23 @@ public:
     // 256-colour tail is present, otherwise the table is empty. Null on a
     // header that isn't PCX or a format that can't be mapped.
     static QImage read(const QByteArray &file);
+
+    // What a file says about itself, found by walking its run-length stream
+    // without producing pixels: the cost is the stored bytes, whatever size
+    // the header claims.
+    struct Layout
+    {
+        int width = 0;
+        int height = 0;
+        // Format_Invalid where read() would give a null image.
+        QImage::Format format = QImage::Format_Invalid;
+        // Where the pixel lines end; -1 when the stream stops short of them.
+        qsizetype dataEnd = -1;
+        // The 256 colours of the tail, as read() installs them; empty if none.
+        QList<QRgb> colorTable;
+        bool isNull() const { return format == QImage::Format_Invalid; }
+    };
+    static Layout layout(const QByteArray &file);
     // Writes an indexed, RGB32 or ARGB32 image (others are converted to RGB32);
     // empty for a null image.
     static QByteArray write(const QImage &image);

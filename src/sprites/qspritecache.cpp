@@ -242,7 +242,6 @@ void QSpriteCache::store(QCacheEntry &e, const QByteArray &bytes, bool compressI
 
 quint32 QSpriteCache::add(const QByteArray &bytes, bool compressIt)
 {
-    ++m_revision;
     QCacheEntry *e = pool().take();
     if (!e)
         return 0; // millions of items: the pool is full
@@ -253,7 +252,6 @@ quint32 QSpriteCache::add(const QByteArray &bytes, bool compressIt)
 
 void QSpriteCache::addSlices(const QByteArray &block, const Slice *slices, qsizetype count, quint32 *ids)
 {
-    ++m_revision;
     if (count <= 0)
         return;
     RecordPool &p = pool();
@@ -308,7 +306,6 @@ bool QSpriteCache::replace(quint32 id, const QByteArray &bytes, bool compressIt)
     QCacheEntry *e = entry(id);
     if (!e)
         return false;
-    ++m_revision;
     store(*e, bytes, compressIt);
     return true;
 }
@@ -318,7 +315,6 @@ bool QSpriteCache::copyStored(QCacheEntry &e, const QSpriteCache &from, quint32 
     const QCacheEntry *src = from.entry(fromId);
     if (!src)
         return false;
-    ++m_revision;
     const quint32 original = src->originalSize;
     store(e, from.storedBytes(*src), false);
     e.originalSize = original;
@@ -390,7 +386,6 @@ bool QSpriteCache::remove(quint32 id)
     QCacheEntry *e = entry(id);
     if (!e)
         return false;
-    ++m_revision;
     // The last handle takes the freed slot.
     const quint32 last = m_ids.back();
     m_ids[e->slot] = last;
@@ -403,7 +398,6 @@ bool QSpriteCache::remove(quint32 id)
 
 void QSpriteCache::clear()
 {
-    ++m_revision;
     RecordPool &p = pool();
     // Slices of one block follow each other: their references to it are
     // handed back with one atomic operation per run, the run's first entry

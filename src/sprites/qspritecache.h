@@ -86,13 +86,6 @@ public:
     qint64 fileSize() const;
     QString fileName() const;
 
-    // Counts every change of the stored items. mark() notes the count, and
-    // changedSinceMark() tells whether any item was added, replaced or
-    // removed since: a save that has folded duplicate images marks the cache,
-    // and needn't search again while nothing changed.
-    quint64 revision() const { return m_revision; }
-    void mark() { m_mark = m_revision; }
-    bool changedSinceMark() const { return m_mark != m_revision; }
 
     // Reads that went through anything but the pass-through filter, i.e. that
     // produced pixels or samples, process-wide. Lets tests prove that an
@@ -121,6 +114,4 @@ private:
     mutable QTemporaryFile m_file;
     bool m_fileOpen = false;
     qint64 m_fileEnd = 0;
-    quint64 m_revision = 1;
-    quint64 m_mark = 0;
 };

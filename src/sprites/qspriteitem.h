@@ -47,12 +47,6 @@ struct QSpriteItem
     quint16 filter = 0;
     // Cache handle; 0 for a linked or empty sprite.
     quint32 cacheId = 0;
-    // Scratch of the file layer: position in the data block while loading and
-    // saving; while preparing a version 1 save, the same-palette flag.
-    quint32 offset = 0;
-    // Scratch of the file layer: SFF format code and stored byte count.
-    quint32 format = 0;
-    quint32 size = 0;
     QSpriteInfo info;
     // A link carries a copy of its target's size and format.
     quint16 width = 0;

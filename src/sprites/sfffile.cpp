@@ -14,8 +14,13 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QHash>
+#include <QLocale>
 #include <QSaveFile>
 #include <algorithm>
+#include <array>
+#include <bitset>
+#include <functional>
+#include <optional>
 #include <cstring>
 #include <memory>
 #include <utility>
@@ -34,20 +39,6 @@ QByteArray comment()
     text.resize(CommentSize, '\0');
     text[CommentSize - 1] = '\0';
     return text;
-}
-
-QString versionText(quint32 version)
-{
-    return QStringLiteral("%1.%2.%3.%4")
-        .arg(version >> 24)
-        .arg((version >> 16) & 0xFF)
-        .arg((version >> 8) & 0xFF)
-        .arg(version & 0xFF);
-}
-
-bool isSupported(quint32 version)
-{
-    return version == Version101 || version == Version200 || version == Version201;
 }
 
 quint16 filterForCode(quint8 code)
@@ -181,7 +172,7 @@ V1Header V1Header::read(ByteReader &in)
 void V1Header::write(ByteWriter &out) const
 {
     const qint64 start = out.size();
-    Head{true, Version101}.write(out);
+    Head{true, QSffVersion::V101}.write(out);
     out.u32(groups);
     out.u32(images);
     out.u32(firstOffset);
@@ -353,7 +344,7 @@ QImage::Format V2SpriteNode::imageFormat() const
 
 using namespace Sff;
 
-namespace {
+namespace Sff {
 
 QString tr(const char *text)
 {
@@ -434,6 +425,80 @@ private:
     std::vector<QSpriteItem *> m_items;
 };
 
+// The issues of one load. Damage seldom comes alone: the same damage on
+// consecutive sprites (or palettes) is one issue that counts the rest, and a
+// file lists at most MaxIssues, so that a damaged count can't bury the list
+// or cost memory by itself.
+class IssueLog
+{
+public:
+    enum Kind { FileEnds, SpriteCut, SpriteUnreadable, NoColours, TableShort, PaletteCut, PaletteNoColours, TooLarge };
+    static constexpr int MaxIssues = 200;
+
+    IssueLog(QMessages *messages, const QString &name) : m_messages(messages), m_name(name) {}
+    IssueLog(const IssueLog &) = delete;
+    IssueLog &operator=(const IssueLog &) = delete;
+    ~IssueLog() { finish(); }
+
+    // Damage of sprite (or palette) `index`, reported at `line`; `rest`
+    // names the rest of a run: "more sprites cut short".
+    void add(Kind kind, int index, int line, const QString &text, const char *rest)
+    {
+        if (kind == m_run.kind && index == m_run.last + 1) {
+            m_run.last = index;
+            ++m_run.extra;
+            return;
+        }
+        flush();
+        m_run = Run{int(kind), line, index, 0, text, rest};
+    }
+    void finish()
+    {
+        flush();
+        if (m_unlisted > 0 && m_messages)
+            m_messages->addWarning(tr("%1(0): ... and %2 more issues not listed").arg(m_name, count(m_unlisted)));
+        m_unlisted = 0;
+    }
+
+private:
+    static QString count(qint64 n)
+    {
+        QLocale c = QLocale::c();
+        c.setNumberOptions(QLocale::DefaultNumberOptions);
+        return c.toString(n);
+    }
+    void flush()
+    {
+        if (m_run.kind < 0)
+            return;
+        if (m_listed >= MaxIssues) {
+            m_unlisted += 1;
+        } else {
+            ++m_listed;
+            QString text = m_run.text;
+            if (m_run.extra > 0)
+                text += QStringLiteral(" ... ") + tr("and %1 %2").arg(count(m_run.extra), tr(m_run.rest));
+            if (m_messages)
+                m_messages->addWarning(QStringLiteral("%1(%2): %3").arg(m_name).arg(m_run.line).arg(text));
+        }
+        m_run = Run();
+    }
+    struct Run
+    {
+        int kind = -1;
+        int line = 0;
+        int last = 0;
+        qint64 extra = 0;
+        QString text;
+        const char *rest = nullptr;
+    };
+    QMessages *m_messages;
+    QString m_name;
+    Run m_run;
+    int m_listed = 0;
+    qint64 m_unlisted = 0;
+};
+
 class SffReader
 {
 public:
@@ -441,7 +506,8 @@ public:
     // the cache may share.
     SffReader(QSprites &store, const QString &name, const uchar *data, qint64 size,
               const QByteArray &wholeFile, bool isCharacter)
-        : s(store), name(name), in(data, size), data(data), wholeFile(wholeFile), isCharacter(isCharacter)
+        : s(store), name(name), in(data, size), data(data), wholeFile(wholeFile), isCharacter(isCharacter),
+          issues(store.m_messages, name)
     {
     }
 
@@ -468,16 +534,21 @@ private:
         emit s.progress(pos, max, allow);
         return allow;
     }
-    void warn(int line, const QString &text)
+    // Sprite issues are reported at the sprite's index, palette issues at 0.
+    void warn(IssueLog::Kind kind, int sprite, const QString &text, const char *rest)
     {
-        if (s.messages)
-            s.messages->addWarning(QStringLiteral("%1(%2): %3").arg(name).arg(line).arg(text));
+        issues.add(kind, sprite, sprite, text, rest);
+    }
+    void warnPalette(IssueLog::Kind kind, int palette, const QString &text, const char *rest)
+    {
+        issues.add(kind, palette, 0, text, rest);
     }
     void refuseLink(int index, int link)
     {
+        issues.finish();
         const QString text = tr("%1(%2): Sprite incorrectly linked to the index %3").arg(name).arg(index).arg(link);
-        if (s.messages)
-            s.messages->addError(text);
+        if (s.m_messages)
+            s.m_messages->addError(text);
         emit s.fileError(tr("Sprite loading error"), text);
     }
     QSprites &s;
@@ -486,29 +557,32 @@ private:
     const uchar *data;
     QByteArray wholeFile;
     bool isCharacter;
+
+public:
+    IssueLog issues;
 };
 
 SffReader::Result SffReader::read(quint32 version, const QPaletteList &keptPalettes)
 {
-    return version == Version101 ? readV1(keptPalettes) : readV2(version);
+    return version == QSffVersion::V101 ? readV1(keptPalettes) : readV2(version);
 }
 
 SffReader::Result SffReader::readV1(const QPaletteList &keptPalettes)
 {
     // A character's palette files come before its sprites: keep them.
-    s.palettes = keptPalettes;
+    s.m_palettes = keptPalettes;
     const V1Header header = V1Header::read(in);
     const uint images = header.images;
     if (!progress(0, images))
         return Failed;
 
-    int charPal = s.palettes.find(0, 1, 1);
+    int charPal = s.m_palettes.find(0, 1, 1);
     int last = 0;
     qint64 pos = HeaderSize;
     for (uint i = 0; i < images; ++i) {
         if (in.size() - pos < SubheaderSize) {
-            warn(int(i), tr("the file ends before sprite %1: %2 of %3 sprites were read")
-                             .arg(i).arg(i).arg(images));
+            warn(IssueLog::FileEnds, int(i),
+                 tr("the file ends before sprite %1: %2 of %3 sprites were read").arg(i).arg(i).arg(images), "");
             break;
         }
         in.seek(pos);
@@ -530,20 +604,25 @@ SffReader::Result SffReader::readV1(const QPaletteList &keptPalettes)
             // table was cut off: the distance to the next subfile is the truth.
             qint64 count = nextValid ? qint64(sh.next) - dataStart : qint64(sh.length);
             if (count > in.size() - dataStart) {
-                warn(int(i), tr("the data of sprite %1,%2 is cut short by the end of the file")
-                                 .arg(sh.group).arg(sh.number));
+                warn(IssueLog::SpriteCut, int(i),
+                     tr("the data of sprite %1,%2 is cut short by the end of the file").arg(sh.group).arg(sh.number),
+                     QT_TR_NOOP("more sprites cut short"));
                 count = in.size() - dataStart;
             }
             QByteArray stored(reinterpret_cast<const char *>(data + dataStart), qsizetype(count));
             pos = dataStart + count;
 
-            QImage img = QPCXCacheFilter::read(stored);
-            if (img.isNull())
-                warn(int(i), tr("the image of sprite %1,%2 can't be read").arg(sh.group).arg(sh.number));
-            const QList<QRgb> table = img.colorTable();
-            item->width = quint16(img.width());
-            item->height = quint16(img.height());
-            item->imageFormat = img.isNull() ? QImage::Format_Indexed8 : img.format();
+            // Size and colours come from walking the stream, not from
+            // decoding it: a damaged header can claim any size.
+            const QPCXCacheFilter::Layout pcx = QPCXCacheFilter::layout(stored);
+            if (pcx.isNull())
+                warn(IssueLog::SpriteUnreadable, int(i),
+                     tr("the image of sprite %1,%2 can't be read").arg(sh.group).arg(sh.number),
+                     QT_TR_NOOP("more sprites that can't be read"));
+            const QList<QRgb> &table = pcx.colorTable;
+            item->width = quint16(pcx.width);
+            item->height = quint16(pcx.height);
+            item->imageFormat = pcx.isNull() ? QImage::Format_Indexed8 : pcx.format;
 
             int pal;
             if (isCharacter && isPortrait(sh.group, sh.number)) {
@@ -551,24 +630,33 @@ SffReader::Result SffReader::readV1(const QPaletteList &keptPalettes)
                     QRGBPal colors = table.isEmpty() ? zeroPal() : spritePal(table);
                     if (table.isEmpty())
                         emit s.charPalette(&colors); // the project supplies the colours as they are
-                    charPal = s.palettes.add(colors, false, 1, 1);
+                    charPal = s.m_palettes.add(colors, false, 1, 1);
                 }
                 pal = charPal;
             } else if ((i != 0 && sh.samePalette == 1) || (table.isEmpty() && !owned.empty())) {
                 pal = last;
             } else {
                 if (table.isEmpty())
-                    warn(int(i), tr("sprite %1,%2 has no colours of its own and none to share")
-                                     .arg(sh.group).arg(sh.number));
-                pal = s.palettes.add(table.isEmpty() ? zeroPal() : spritePal(table), true, qint16(sh.group), -1);
+                    warn(IssueLog::NoColours, int(i),
+                         tr("sprite %1,%2 has no colours of its own and none to share").arg(sh.group).arg(sh.number),
+                         QT_TR_NOOP("more sprites without colours"));
+                pal = s.m_palettes.add(table.isEmpty() ? zeroPal() : spritePal(table), true, qint16(sh.group), -1);
             }
             item->info.palette = quint16(pal);
 
             // Pixels past a short palette are moved to an index of the same
             // colour inside it, so that the sprite can later be packed as LZ5.
-            const QPaletteItem *palItem = s.palettes.item(pal);
+            // Never to index 0, which shows nothing. Only a stream that could
+            // hold the pixels is decoded for this: a damaged header must not
+            // cost memory the file's bytes don't justify.
+            const QPaletteItem *palItem = s.m_palettes.item(pal);
             const int colorCount = palItem ? palItem->colorCount : 256;
-            if (img.format() == QImage::Format_Indexed8 && colorCount < 256 && table.size() == 256) {
+            const qint64 claimed = qint64(pcx.width) * pcx.height;
+            QImage img;
+            if (pcx.format == QImage::Format_Indexed8 && colorCount < 256 && table.size() == 256
+                && claimed <= 64 * qint64(stored.size()) + 65536)
+                img = QPCXCacheFilter::read(stored);
+            if (!img.isNull() && img.format() == QImage::Format_Indexed8) {
                 bool changed = false;
                 int remap[256];
                 for (int c = 0; c < 256; ++c) {
@@ -576,7 +664,7 @@ SffReader::Result SffReader::readV1(const QPaletteList &keptPalettes)
                     if (c < colorCount)
                         continue;
                     remap[c] = 255;
-                    for (int k = 0; k < colorCount; ++k)
+                    for (int k = 1; k < colorCount; ++k)
                         if (table[k] == table[c]) {
                             remap[c] = k;
                             break;
@@ -595,7 +683,7 @@ SffReader::Result SffReader::readV1(const QPaletteList &keptPalettes)
                     stored = QSpriteSize::rawBytes(img);
                 }
             }
-            item->cacheId = s.cache.add(stored, item->filter == QBFCacheFilter::None);
+            item->cacheId = s.m_cache.add(stored, item->filter == QBFCacheFilter::None);
             last = pal;
         } else {
             pos = nextValid ? qint64(sh.next) : dataStart;
@@ -629,21 +717,34 @@ SffReader::Result SffReader::readV1(const QPaletteList &keptPalettes)
 
 SffReader::Result SffReader::readV2(quint32 version)
 {
-    s.palettes.clear();
+    s.m_palettes.clear();
     const V2Header h = V2Header::read(in);
 
-    // Counts are trusted only as far as the node tables fit in the file.
-    auto fitting = [&](quint32 offset, quint32 count, int nodeSize, const QString &what) {
-        const qint64 room = qint64(offset) <= in.size() ? (in.size() - qint64(offset)) / nodeSize : 0;
+    // Counts are trusted only as far as their tables have room: up to the
+    // next part of the file that starts after a table (the other table, a
+    // data block that holds anything) or the end of the file. So a damaged
+    // count costs nothing but the warning, and memory follows the bytes.
+    auto fitting = [&](quint32 offset, quint32 count, int nodeSize, quint32 most, const QString &what) {
+        qint64 end = in.size();
+        const std::pair<qint64, bool> parts[] = {{h.paletteOffset, h.paletteCount != 0},
+                                                  {h.spriteOffset, h.spriteCount != 0},
+                                                  {h.ldataOffset, h.ldataLength != 0},
+                                                  {h.tdataOffset, h.tdataLength != 0}};
+        for (const auto &[start, used] : parts)
+            if (used && start > qint64(offset) && start < end)
+                end = start;
+        const qint64 room = qMin<qint64>(qint64(offset) <= end ? (end - qint64(offset)) / nodeSize : 0, most);
         if (qint64(count) > room) {
-            warn(0, tr("the file ends inside the %1 table: %2 of %3 entries were read")
-                        .arg(what).arg(room).arg(count));
+            warnPalette(IssueLog::TableShort, 0,
+                        tr("the %1 table has room for %2 of the %3 entries the header claims")
+                            .arg(what).arg(room).arg(count), "");
             return quint32(room);
         }
         return count;
     };
-    const quint32 paletteCount = fitting(h.paletteOffset, h.paletteCount, PaletteNodeSize, tr("palette"));
-    const quint32 spriteCount = fitting(h.spriteOffset, h.spriteCount, SpriteNodeSize, tr("sprite"));
+    // Palettes beyond the reach of a 16-bit index can't be used by anything.
+    const quint32 paletteCount = fitting(h.paletteOffset, h.paletteCount, PaletteNodeSize, 0x10000, tr("palette"));
+    const quint32 spriteCount = fitting(h.spriteOffset, h.spriteCount, SpriteNodeSize, 0xFFFFFFFFu, tr("sprite"));
     const uint total = paletteCount + spriteCount;
     if (!progress(0, total))
         return Cancelled;
@@ -693,9 +794,6 @@ SffReader::Result SffReader::readV2(quint32 version)
         item->info.link = node.link;
         item->info.palette = node.palette;
         item->info.flags = node.flags;
-        item->offset = node.offset;
-        item->format = node.format;
-        item->size = node.length;
         if (node.length == 0) {
             links.push_back(i);
             continue;
@@ -740,24 +838,28 @@ SffReader::Result SffReader::readV2(quint32 version)
             const QByteArray bytes = in.bytes(wanted);
             std::memcpy(pal->colors.bytes(), bytes.constData(), size_t(bytes.size()));
             if (in.overrun())
-                warn(0, tr("the colours of palette %1,%2 are cut short by the end of the file")
-                            .arg(node.group).arg(node.number));
-            if (version == Version200) {
+                warnPalette(IssueLog::PaletteCut, int(done),
+                            tr("the colours of palette %1,%2 are cut short by the end of the file")
+                                .arg(node.group).arg(node.number),
+                            QT_TR_NOOP("more palettes cut short"));
+            if (version == QSffVersion::V200) {
                 // This version kept no alpha: colour 0 is the transparent one.
                 pal->colors[0].a = 0;
                 for (int c = 1; c < 256; ++c)
                     pal->colors[c].a = 255;
             }
         }
-        s.palettes.append(std::move(pal));
+        s.m_palettes.append(std::move(pal));
         if (!progress(++done, total))
             return Failed;
     }
-    for (int p = 0; p < s.palettes.count(); ++p) {
-        const QPaletteItem *pal = s.palettes.item(p);
-        if (!pal->hasColors && s.palettes.root(p) < 0)
-            warn(0, tr("palette %1,%2 is linked to the index %3, which leads to no colours")
-                        .arg(pal->group).arg(pal->number).arg(pal->link));
+    for (int p = 0; p < s.m_palettes.count(); ++p) {
+        const QPaletteItem *pal = s.m_palettes.item(p);
+        if (!pal->hasColors && s.m_palettes.root(p) < 0)
+            warnPalette(IssueLog::PaletteNoColours, p,
+                        tr("palette %1,%2 is linked to the index %3, which leads to no colours")
+                            .arg(pal->group).arg(pal->number).arg(pal->link),
+                        QT_TR_NOOP("more palettes without colours"));
     }
 
     auto copy = copies.cbegin();
@@ -779,24 +881,30 @@ SffReader::Result SffReader::readV2(quint32 version)
                     // and missing pixels decode as zeros.
                     item->filter = QBFCacheFilter::RLE8;
                     const QByteArray pixels = packed.left(qsizetype(size.width) * size.height);
-                    item->cacheId = s.cache.add(QRLE8CacheFilter::encode(pixels), false);
-                } else if (size.byteCount() > QPCXCacheFilter::MaxImageBytes) {
-                    warn(int(i), tr("sprite %1,%2 is too large (%3 x %4) and is left empty")
-                                     .arg(node.group).arg(node.number).arg(size.width).arg(size.height));
+                    item->cacheId = s.m_cache.add(QRLE8CacheFilter::encode(pixels), false);
+                } else if (size.byteCount() > QPCXCacheFilter::MaxImageBytes
+                           || size.byteCount() > 2 * packed.size() + (1 << 20)) {
+                    // Too large to hold, or so far beyond its bytes that
+                    // spreading them would cost memory the file doesn't have.
+                    warn(IssueLog::TooLarge, int(i),
+                         tr("sprite %1,%2 is too large (%3 x %4) and is left empty")
+                             .arg(node.group).arg(node.number).arg(size.width).arg(size.height),
+                         QT_TR_NOOP("more sprites left empty"));
                     item->filter = QBFCacheFilter::None;
-                    item->cacheId = s.cache.add(QByteArray(), true);
+                    item->cacheId = s.m_cache.add(QByteArray(), true);
                 } else {
                     item->filter = QBFCacheFilter::None;
-                    item->cacheId = s.cache.add(rawToPadded(packed, size), true);
+                    item->cacheId = s.m_cache.add(rawToPadded(packed, size), true);
                 }
             } else {
                 in.u32(); // uncompressed size, not needed
                 const QByteArray bytes = in.bytes(qint64(node.length) - 4);
-                item->cacheId = s.cache.add(bytes, false);
+                item->cacheId = s.m_cache.add(bytes, false);
             }
             if (in.overrun())
-                warn(int(i), tr("the data of sprite %1,%2 is cut short by the end of the file")
-                                 .arg(node.group).arg(node.number));
+                warn(IssueLog::SpriteCut, int(i),
+                     tr("the data of sprite %1,%2 is cut short by the end of the file").arg(node.group).arg(node.number),
+                     QT_TR_NOOP("more sprites cut short"));
         }
         if (!progress(++done, total))
             return Failed;
@@ -807,14 +915,14 @@ SffReader::Result SffReader::readV2(quint32 version)
         if (b.slices.empty())
             continue;
         ids.resize(b.slices.size());
-        s.cache.addSlices(wholeFile, b.slices.data(), qsizetype(b.slices.size()), ids.data());
+        s.m_cache.addSlices(wholeFile, b.slices.data(), qsizetype(b.slices.size()), ids.data());
         for (size_t k = 0; k < ids.size(); ++k)
             b.owners[k]->cacheId = ids[k];
     }
     return Loaded;
 }
 
-} // namespace
+} // namespace Sff
 
 QByteArray Sff::rawToPadded(const QByteArray &packed, const QSpriteSize &size)
 {
@@ -849,11 +957,11 @@ bool QSprites::fromFile(const QString &path, bool isCharacter, bool keepName)
     QBFCacheFilter::createFilters();
 
     const QString name = QFileInfo(path).fileName();
-    const QPaletteList keptPalettes = palettes;
+    const QPaletteList keptPalettes = m_palettes;
     clear();
-    undoEnabled = false;
+    m_undoEnabled = false;
     // The palette list is filled directly; its views hear of it once.
-    paletteObject.beginReset();
+    m_paletteObject.beginReset();
 
     // The whole file is read at once, in one call: the sweeps over it then
     // cost no system calls, every offset is checked against its size, and
@@ -868,14 +976,14 @@ bool QSprites::fromFile(const QString &path, bool isCharacter, bool keepName)
 
     ByteReader headIn(data, size);
     const Head head = Head::read(headIn);
-    version = head.version;
-    if (!head.signatureOk || !isSupported(head.version))
-        paletteObject.endReset();
+    m_version = head.version;
+    if (!head.signatureOk || !QSffVersion::isSupported(head.version))
+        m_paletteObject.endReset();
     if (!head.signatureOk)
         return false;
-    if (!isSupported(head.version)) {
-        if (messages)
-            messages->addError(QCoreApplication::translate("QSprites", "%1(0): SFF version '%2.%3.%4.%5' not supported yet")
+    if (!QSffVersion::isSupported(head.version)) {
+        if (m_messages)
+            m_messages->addError(QCoreApplication::translate("QSprites", "%1(0): SFF version '%2.%3.%4.%5' not supported yet")
                                    .arg(name)
                                    .arg(head.version >> 24)
                                    .arg((head.version >> 16) & 0xFF)
@@ -885,14 +993,15 @@ bool QSprites::fromFile(const QString &path, bool isCharacter, bool keepName)
     }
 
     const auto result = reader.read(head.version, keptPalettes);
-    paletteObject.endReset();
+    reader.issues.finish();
+    m_paletteObject.endReset();
     if (result == SffReader::Failed) {
         reader.owned.clear();
         clear();
         return false;
     }
     if (result == SffReader::Cancelled) {
-        undoEnabled = true;
+        m_undoEnabled = true;
         return true;
     }
 
@@ -900,14 +1009,14 @@ bool QSprites::fromFile(const QString &path, bool isCharacter, bool keepName)
     if (!reader.owned.empty()) {
         const std::vector<QSpriteItem *> items = reader.owned.release();
         beginInsertRows(QModelIndex(), 0, int(items.size()) - 1);
-        sprites = QList<QSpriteItem *>(items.begin(), items.end());
+        m_sprites = QList<QSpriteItem *>(items.begin(), items.end());
         endInsertRows();
     }
-    undoEnabled = true;
+    m_undoEnabled = true;
 
     // Every link points straight at a sprite with an image and shows its
     // size; the readers refused chains that leave the list or circle.
-    QSpriteItem *const *items = sprites.constData();
+    QSpriteItem *const *items = m_sprites.constData();
     const int n = anyLink ? count() : 0;
     for (int i = 0; i < n; ++i)
         if (!items[i]->info.hasImage) {
@@ -919,8 +1028,8 @@ bool QSprites::fromFile(const QString &path, bool isCharacter, bool keepName)
         }
 
     if (!keepName)
-        fileName = path;
-    modified = false;
+        m_fileName = path;
+    m_modified = false;
     emit changed();
     return true;
 }
@@ -929,7 +1038,7 @@ bool QSprites::fromFile(const QString &path, bool isCharacter, bool keepName)
 // Writing
 // -------------------------------------------------------------------------
 
-namespace {
+namespace Sff {
 
 // A data block of the file being written, kept as pieces that point where
 // the bytes are (the stored bytes of sprites stay in the cache's arrays), then
@@ -1012,74 +1121,178 @@ private:
     qint64 m_size = 0;
 };
 
-class SffWriter
+// Colours as an indexed sprite shows them: index 0 transparent, every other
+// entry opaque. The engine shows no palette alpha on indexed sprites, and
+// not every version keeps it, so it takes no part in comparisons.
+using Shown = std::array<QRgb, 256>;
+
+Shown shownColours(const QRGBPal *pal)
 {
-public:
-    SffWriter(QSprites &store, bool isCharacter, quint32 previous, quint32 version, bool lzSearch, bool temporary)
-        : s(store), isCharacter(isCharacter), previous(previous), version(version), lzSearch(lzSearch),
-          temporary(temporary),
-          total(uint(store.paletteCount()) + 2 * uint(store.count()))
-    {
-    }
+    Shown out;
+    out[0] = 0;
+    for (int k = 1; k < 256; ++k)
+        out[k] = 0xFF000000u | (pal ? pal->colors[k].rgba() & 0xFFFFFFu : 0u);
+    return out;
+}
 
-    void prepare();
-    // Writes the whole file into `out`; false on cancel or error (reported).
-    bool writeV1(QIODevice &out);
-    bool writeV2(QIODevice &out);
+// A pixel as it shows: fully transparent pixels all alike.
+QRgb shownPixel(QRgb argb)
+{
+    return qAlpha(argb) == 0 ? 0 : argb;
+}
 
-    // True once a cancel or an error (already reported) stopped the writing.
-    bool stopped = false;
+// One sprite of the file being written. The store is only read: whatever
+// the version needs (links folded or flattened, 8-bit pixels, new palettes)
+// lives here and goes into the file's bytes alone.
+struct Planned
+{
+    QSpriteInfo info; // hasImage: the file holds data for it; link and palette as written
+    QSpriteSize size;
+    // The store's sprite whose cached bytes hold the pixels; -1 when `image`
+    // holds them, or when there are none.
+    int source = -1;
+    // Pixels to write instead of stored bytes: an 8-bit reduction, or a
+    // blank for a sprite that shows nothing.
+    QImage image;
+    // The planned sprite whose pixels this one shows (itself for an owner).
+    int pixelsOf = -1;
 
-private:
-    void foldDuplicates();
-    void flattenLinks();
-    void convertTo8Bits();
-    void markSharedPalettes();
-    // Preparation only tells how far it got; it can't be cancelled.
-    void announce(uint pos)
-    {
-        bool allow = true;
-        emit s.progress(pos, total, allow);
-    }
-    bool progress(uint pos)
-    {
-        bool allow = true;
-        emit s.progress(pos, total, allow);
-        stopped |= !allow;
-        return allow;
-    }
-    bool fail(int index, const char *reason)
-    {
-        stopped = true;
-        emit s.fileError(tr("Sprite saving error"),
-                         tr("An error occurred when saving the sprite %1.\n%2").arg(index).arg(tr(reason)));
-        return false;
-    }
-    bool decoded(const QSpriteItem *item, QImage &image) const;
-    quint8 chooseCode(const QSpriteItem *item) const;
-
-    QSprites &s;
-    bool isCharacter;
-    quint32 previous;
-    quint32 version;
-    bool lzSearch;
-    bool temporary;
-    uint total;
+    // Version 1 only.
+    enum Data : quint8 { Stored, StoredWithoutTable, StoredWithTable, Encoded };
+    Data data = Encoded;
+    quint8 samePalette = 0;
+    // Palette (in the plan's list) whose colours the PCX carries; -1: none.
+    int table = -1;
 };
 
-void SffWriter::prepare()
+// What a version 1 reader will make of the file: its palettes as they show,
+// with the colour count it gives each.
+struct ReadPalette
 {
-    // A cache unchanged since the last search holds no new duplicates.
-    if (!temporary && s.count() >= 2 && s.cache.changedSinceMark()) {
-        announce(0);
-        foldDuplicates();
-        s.cache.mark();
+    Shown shown;
+    int colorCount;
+};
+
+class SffPlan
+{
+public:
+    SffPlan(const QSprites &store, quint32 version, bool isCharacter)
+        : palettes(store.m_palettes), s(store), version(version), previous(store.m_version), isCharacter(isCharacter)
+    {
     }
-    flattenLinks();
-    if (version == Version101 || version == Version200)
-        convertTo8Bits();
-    if (version == Version101)
-        markSharedPalettes();
+
+    // `fold` looks for duplicate images; `announce` hears how far it got.
+    void build(bool fold, const std::function<void(uint)> &announce);
+    // Sprites on the character's palettes that the same-palette chain of
+    // version 1 can't reach (another palette comes between).
+    QList<uint> outOfOrder() const;
+
+    std::vector<Planned> sprites;
+    QPaletteList palettes;
+    // Sprites that will show other colours once the file is read back.
+    QList<uint> changed;
+
+    // The pixels a planned sprite writes, decoded; null if there are none.
+    QImage pixels(const Planned &p) const;
+
+private:
+    void foldDuplicates(std::vector<int> &foldedInto, const std::function<void(uint)> &announce);
+    void reduceTo8Bits(std::vector<char> &lost);
+    void layoutVersion1(std::vector<char> &lost);
+    // Colour indices the pixels of planned sprite `i` use.
+    const std::bitset<256> &usedIndices(int i);
+
+    const QSprites &s;
+    quint32 version;
+    quint32 previous;
+    bool isCharacter;
+    std::vector<std::optional<std::bitset<256>>> used;
+};
+
+QImage SffPlan::pixels(const Planned &p) const
+{
+    if (!p.image.isNull())
+        return p.image;
+    const QSpriteItem *item = s.item(p.source);
+    if (!item || item->cacheId == 0 || p.size.isEmpty())
+        return QImage();
+    QByteArray raw;
+    if (!s.m_cache.get(item->cacheId, raw, QBFCacheFilter::filter(item->filter), p.size))
+        return QImage();
+    return p.size.toImage(raw);
+}
+
+const std::bitset<256> &SffPlan::usedIndices(int i)
+{
+    const int from = sprites[size_t(i)].pixelsOf;
+    std::optional<std::bitset<256>> &memo = used[size_t(from < 0 ? i : from)];
+    if (!memo) {
+        memo.emplace();
+        const QImage image = from < 0 ? QImage() : pixels(sprites[size_t(from)]);
+        if (image.format() == QImage::Format_Indexed8)
+            for (int y = 0; y < image.height(); ++y) {
+                const uchar *line = image.constScanLine(y);
+                for (int x = 0; x < image.width(); ++x)
+                    memo->set(line[x]);
+            }
+    }
+    return *memo;
+}
+
+void SffPlan::build(bool fold, const std::function<void(uint)> &announce)
+{
+    const int n = s.count();
+    sprites.resize(size_t(n));
+    used.assign(size_t(n), std::nullopt);
+    QSpriteItem *const *items = s.m_sprites.constData();
+    for (int i = 0; i < n; ++i) {
+        const QSpriteItem *item = items[i];
+        Planned &p = sprites[size_t(i)];
+        p.info = item->info;
+        if (item->info.hasImage && item->cacheId != 0) {
+            p.source = i;
+            p.pixelsOf = i;
+            p.size = item->spriteSize();
+        }
+    }
+
+    std::vector<int> foldedInto(size_t(n), -1);
+    if (fold && n >= 2)
+        foldDuplicates(foldedInto, announce);
+
+    // Links point straight at the sprite that owns the pixels, as the
+    // readers want them. A sprite that shows nothing at all is written as a
+    // blank pixel: the versions hold no empty sprite that every reader takes.
+    for (int i = 0; i < n; ++i) {
+        Planned &p = sprites[size_t(i)];
+        if (p.source == i || foldedInto[size_t(i)] >= 0)
+            continue;
+        int root = items[i]->info.hasImage ? -1 : chainEnd(items, n, i);
+        if (root >= 0 && foldedInto[size_t(root)] >= 0)
+            root = foldedInto[size_t(root)];
+        if (root >= 0 && root != i && sprites[size_t(root)].source == root) {
+            p.info.hasImage = false;
+            p.info.link = quint16(root);
+            p.size = sprites[size_t(root)].size;
+            p.pixelsOf = root;
+        } else {
+            p.info.hasImage = true;
+            p.info.link = 0;
+            p.image = QImage(1, 1, QImage::Format_Indexed8);
+            p.image.fill(0);
+            p.size = QSpriteSize::of(p.image);
+            p.pixelsOf = i;
+        }
+    }
+
+    std::vector<char> lost(size_t(n), 0);
+    if (version == QSffVersion::V101 || version == QSffVersion::V200)
+        reduceTo8Bits(lost);
+    if (version == QSffVersion::V101)
+        layoutVersion1(lost);
+    for (int i = 0; i < n; ++i)
+        if (lost[size_t(i)] || (sprites[size_t(i)].pixelsOf >= 0 && lost[size_t(sprites[size_t(i)].pixelsOf)]))
+            changed.append(uint(i));
 }
 
 // What tells most stored images apart without reading them whole: shape,
@@ -1104,16 +1317,17 @@ size_t cheapKey(const QSpriteItem &item, QByteArrayView bytes)
     return size_t(k);
 }
 
-// Identical images stored the same way become links to the first of them,
-// whether or not the user asked: the file gets smaller and nothing shows
-// differently. Sprites are first told apart by what is cheap to know (shape,
-// stored length, the ends of the stored bytes); only those that agree on all
-// of it are hashed whole and compared.
-void SffWriter::foldDuplicates()
+// Identical images on the same palette (or of true colour, which has none)
+// are written once, the others as links to the first: the file gets smaller
+// and nothing shows differently. Sprites are first told apart by what is
+// cheap to know (shape, stored length, the ends of the stored bytes); only
+// those that agree on all of it are hashed whole and compared.
+void SffPlan::foldDuplicates(std::vector<int> &foldedInto, const std::function<void(uint)> &announce)
 {
     const QBFCacheFilter *byPass = QBFCacheFilter::byPass();
     const int n = s.count();
-    int current = 0;
+    if (announce)
+        announce(0);
     // Key -> latest unfolded sprite with it: open addressing, twice as many
     // places as sprites, the keys being well mixed already.
     struct Place
@@ -1138,7 +1352,7 @@ void SffWriter::foldDuplicates()
         size_t &h = full[size_t(i)];
         if (h == 0) {
             QByteArray bytes;
-            s.cache.get(s.sprites[i]->cacheId, bytes, byPass);
+            s.m_cache.get(s.m_sprites[i]->cacheId, bytes, byPass);
             h = qHash(bytes) | 1;
         }
         return h;
@@ -1150,11 +1364,9 @@ void SffWriter::foldDuplicates()
     {
         std::vector<QByteArrayView> views(static_cast<size_t>(n));
         std::vector<char> inMemory(size_t(n), 0);
-        for (int i = 0; i < n; ++i) {
-            const QSpriteItem *item = s.sprites[i];
-            if (item->info.hasImage && item->cacheId != 0)
-                inMemory[size_t(i)] = s.cache.peek(item->cacheId, views[size_t(i)]);
-        }
+        for (int i = 0; i < n; ++i)
+            if (sprites[size_t(i)].source == i)
+                inMemory[size_t(i)] = s.m_cache.peek(s.m_sprites[i]->cacheId, views[size_t(i)]);
         constexpr int Ahead = 8;
         for (int i = 0; i < n; ++i) {
             if (i + Ahead < n && inMemory[size_t(i + Ahead)]) {
@@ -1165,34 +1377,36 @@ void SffWriter::foldDuplicates()
                     __builtin_prefetch(v.data() + v.size() - 1);
                 }
             }
-            const QSpriteItem *item = s.sprites[i];
-            if (!item->info.hasImage || item->cacheId == 0)
+            const QSpriteItem *item = s.m_sprites[i];
+            if (sprites[size_t(i)].source != i)
                 continue;
             if (inMemory[size_t(i)]) {
                 keys[size_t(i)] = cheapKey(*item, views[size_t(i)]);
             } else {
-                s.cache.get(item->cacheId, held, byPass, item->spriteSize());
+                s.m_cache.get(item->cacheId, held, byPass, item->spriteSize());
                 keys[size_t(i)] = cheapKey(*item, held);
             }
         }
     }
 
-    for (current = 0; current < n; ++current) {
-        const int i = current;
-        QSpriteItem *item = s.sprites[i];
-        if (item->info.hasImage && item->cacheId != 0) {
+    for (int i = 0; i < n; ++i) {
+        const QSpriteItem *item = s.m_sprites[i];
+        if (sprites[size_t(i)].source == i) {
             const size_t key = keys[size_t(i)];
             Place &place = placeOf(key);
             bool folded = false;
             for (int c = place.sprite; c >= 0; c = older[size_t(c)]) {
-                const QSpriteItem *other = s.sprites[c];
+                const QSpriteItem *other = s.m_sprites[c];
                 if (other->filter == item->filter && other->imageFormat == item->imageFormat
                     && other->width == item->width && other->height == item->height
-                    && fullHash(c) == fullHash(i) && s.cache.same(other->cacheId, item->cacheId)) {
-                    s.cache.remove(item->cacheId);
-                    item->cacheId = 0;
-                    item->info.hasImage = false;
-                    item->info.link = quint16(c);
+                    && (item->imageFormat != QImage::Format_Indexed8 || other->info.palette == item->info.palette)
+                    && fullHash(c) == fullHash(i) && s.m_cache.same(other->cacheId, item->cacheId)) {
+                    Planned &p = sprites[size_t(i)];
+                    p.source = -1;
+                    p.pixelsOf = c;
+                    p.info.hasImage = false;
+                    p.info.link = quint16(c);
+                    foldedInto[size_t(i)] = c;
                     folded = true;
                     break;
                 }
@@ -1203,102 +1417,290 @@ void SffWriter::foldDuplicates()
                 place.sprite = i;
             }
         }
-        if (i > 0)
+        if (i > 0 && announce)
             announce(uint(i) + 1);
     }
 }
 
-void SffWriter::flattenLinks()
-{
-    QSpriteItem *const *items = s.sprites.constData();
-    const int n = s.count();
-    for (int i = 0; i < n; ++i)
-        if (!items[i]->info.hasImage) {
-            const int end = chainEnd(items, n, i);
-            if (end >= 0)
-                items[i]->info.link = quint16(end);
-        }
-}
-
 // The two older versions are meant for indexed sprites. Index 0 is kept free
 // for the transparent colour (it is what the engine leaves out), so the
-// octree gets the 255 entries after it. A 2.00 file that already held PNG
+// octree gets the 255 entries after it; the colours become a palette of
+// group 0, shared by equal reductions. A 2.00 file that already held PNG
 // sprites of more bits keeps them when saved as 2.00 again: the file showed
 // they are wanted, and re-saving must not degrade it.
-void SffWriter::convertTo8Bits()
+void SffPlan::reduceTo8Bits(std::vector<char> &lost)
 {
-    for (int i = 0; i < s.count(); ++i) {
-        const QSpriteItem *item = s.sprites[i];
-        if (item->imageFormat == QImage::Format_Indexed8 || !item->info.hasImage || item->cacheId == 0)
+    for (size_t i = 0; i < sprites.size(); ++i) {
+        Planned &p = sprites[i];
+        if (p.source != int(i) || p.size.imageFormat == QImage::Format_Indexed8)
             continue;
-        if (version == Version200 && previous == Version200 && item->filter == QBFCacheFilter::PNG)
+        if (version == QSffVersion::V200 && previous == QSffVersion::V200 && s.m_sprites[int(i)]->filter == QBFCacheFilter::PNG)
             continue;
-        const QImage image = s.image(i);
-        if (image.isNull())
-            continue;
-        const QImage argb = image.convertToFormat(QImage::Format_ARGB32);
-        QColorQuantizer quantizer(255, 8);
-        for (int y = 0; y < argb.height(); ++y) {
-            const QRgb *line = reinterpret_cast<const QRgb *>(argb.constScanLine(y));
-            for (int x = 0; x < argb.width(); ++x)
-                if (qAlpha(line[x]) >= 128)
-                    quantizer.addColor(line[x]);
+        const QImage argb = pixels(p).convertToFormat(QImage::Format_ARGB32);
+        QImage indexed(1, 1, QImage::Format_Indexed8);
+        indexed.fill(0);
+        if (!argb.isNull()) {
+            QColorQuantizer quantizer(255, 8);
+            for (int y = 0; y < argb.height(); ++y) {
+                const QRgb *line = reinterpret_cast<const QRgb *>(argb.constScanLine(y));
+                for (int x = 0; x < argb.width(); ++x)
+                    if (qAlpha(line[x]) >= 128)
+                        quantizer.addColor(line[x]);
+            }
+            indexed = quantizer.toIndexed(argb, 1, 0);
         }
-        QImage indexed = quantizer.toIndexed(argb, 1, 0);
-        QList<QRgb> table = indexed.colorTable();
-        table[0] = qRgba(0, 0, 0, 0);
-        indexed.setColorTable(table);
-        s.changeImage(i, indexed, 0, false, 0, 0);
+        QRGBPal pal = QRGBPal::fromColorTable(indexed.colorTable());
+        for (int k = 0; k < 256; ++k)
+            pal[k].a = k == 0 ? 0 : 255;
+        const int palette = palettes.add(pal, true, 0, -1);
+        const Shown shown = shownColours(&pal);
+        // Lost whenever a pixel shows otherwise than before.
+        for (int y = 0; y < argb.height() && !lost[i]; ++y) {
+            const QRgb *before = reinterpret_cast<const QRgb *>(argb.constScanLine(y));
+            const uchar *after = indexed.constScanLine(y);
+            for (int x = 0; x < argb.width(); ++x)
+                if (shownPixel(before[x]) != shown[after[x]]) {
+                    lost[i] = 1;
+                    break;
+                }
+        }
+        p.source = -1;
+        p.image = indexed;
+        p.size = QSpriteSize::of(indexed);
+        p.info.palette = quint16(palette);
+        for (Planned &l : sprites)
+            if (!l.info.hasImage && l.pixelsOf == int(i)) {
+                l.size = p.size;
+                l.info.palette = quint16(palette);
+            }
     }
 }
 
-void SffWriter::markSharedPalettes()
+// Version 1 keeps no palette list: every sprite either carries colours in
+// its PCX or takes those of the sprite before it (the same-palette flag),
+// and a character's two portraits both take the character's palette. The
+// layout is found by reading the file back in advance, as the loader will:
+// sprites share colours where they show the same ones, a link is written as
+// a link only where it reads back with its colours (else with pixels of its
+// own), and a sprite read back differently is lost.
+void SffPlan::layoutVersion1(std::vector<char> &lost)
+{
+    std::vector<ReadPalette> read; // palettes the loader will make
+    auto makePalette = [&](const QList<QRgb> &table) {
+        QRGBPal pal = table.isEmpty() ? QRGBPal::zeroed() : spritePal(table);
+        read.push_back({shownColours(&pal), QPaletteItem::colorCountOf(pal)});
+        return int(read.size()) - 1;
+    };
+    auto tableOf = [&](int palette) {
+        const QRGBPal *c = palettes.colors(palette);
+        return c ? c->toColorTable() : QList<QRgb>(256, qRgb(0, 0, 0));
+    };
+    const int characterPalette = palettes.find(0, 1, 1);
+    int portraitPalette = -1; // the character's palette once the loader has it
+    int last = -1;            // palette of the sprite before
+    std::vector<int> readAs(sprites.size(), -1);
+    std::vector<QList<QRgb>> tableRead(sprites.size()); // the PCX colours the loader finds
+
+    // The colours `i` shows on the loader's palette `r` (with the PCX
+    // colours `table`, which the loader uses to move pixels past a short
+    // palette back inside it) are those it shows now.
+    auto keeps = [&](int i, int r, const QList<QRgb> &table) {
+        const Shown want = shownColours(palettes.colors(sprites[size_t(i)].info.palette));
+        const ReadPalette &got = read[size_t(r)];
+        const bool moved = got.colorCount < 256 && table.size() == 256;
+        if (got.shown == want && !moved)
+            return true;
+        const std::bitset<256> &u = usedIndices(i);
+        for (int c = 0; c < 256; ++c) {
+            if (!u.test(size_t(c)))
+                continue;
+            int k = c;
+            if (moved && c >= got.colorCount) {
+                k = 255;
+                for (int m = 1; m < got.colorCount; ++m)
+                    if (table[m] == table[c]) {
+                        k = m;
+                        break;
+                    }
+            }
+            if (got.shown[size_t(k)] != want[size_t(c)])
+                return false;
+        }
+        return true;
+    };
+
+    const QBFCacheFilter *byPass = QBFCacheFilter::byPass();
+    for (size_t idx = 0; idx < sprites.size(); ++idx) {
+        const int i = int(idx);
+        Planned &p = sprites[idx];
+        const Shown want = shownColours(palettes.colors(p.info.palette));
+        if (!p.info.hasImage) {
+            // The loader takes only links backwards (a damaged file of
+            // another version may have given others).
+            const int root = p.info.link;
+            if (root < i && keeps(i, readAs[size_t(root)], {})) {
+                readAs[idx] = readAs[size_t(root)];
+                last = readAs[idx];
+                continue;
+            }
+            if (root < i && last >= 0 && keeps(i, last, {})) {
+                p.samePalette = 1;
+                readAs[idx] = last;
+                continue;
+            }
+            // Its own copy of the pixels then, with its own colours.
+            const Planned &r = sprites[size_t(root)];
+            p.info.hasImage = true;
+            p.info.link = 0;
+            p.source = r.source;
+            p.image = r.image;
+            p.size = r.size;
+        }
+
+        // Stored PCX bytes (from a version 1 file, never edited) go out as
+        // they are, whatever they hold; at most their colour table changes.
+        QPCXCacheFilter::Layout pcx;
+        QByteArray stored;
+        const QSpriteItem *item = s.item(p.source);
+        const bool storedPcx = p.image.isNull() && item && item->filter == QBFCacheFilter::PCX;
+        if (storedPcx) {
+            s.m_cache.get(item->cacheId, stored, byPass);
+            pcx = QPCXCacheFilter::layout(stored);
+        }
+        const bool canRetable = storedPcx && pcx.dataEnd >= 0;
+        const bool canEncode = !storedPcx || (!pcx.isNull() && pcx.width <= 0xFFFC);
+        // The loader's pixel fix for short palettes only runs on streams
+        // that could hold the pixels they claim.
+        const bool fixable = !storedPcx || qint64(pcx.width) * pcx.height <= 64 * qint64(stored.size()) + 65536;
+
+        auto withTable = [&](int palette) {
+            p.table = palette;
+            const QRGBPal own = spritePal(pcx.colorTable);
+            if (storedPcx && !pcx.colorTable.isEmpty() && shownColours(palettes.colors(palette)) == shownColours(&own))
+                p.data = Planned::Stored;
+            else if (canRetable)
+                p.data = Planned::StoredWithTable;
+            else if (canEncode)
+                p.data = Planned::Encoded;
+            else
+                p.data = Planned::Stored;
+            tableRead[idx] = p.data == Planned::Stored ? pcx.colorTable : tableOf(palette);
+        };
+        // Colours the loader takes from elsewhere: a new PCX goes without
+        // any, and stored ones lose theirs where they would only move pixels
+        // past a short palette.
+        auto withoutTable = [&](int r) {
+            const bool drop = read[size_t(r)].colorCount < 256;
+            if (!storedPcx)
+                p.data = Planned::Encoded;
+            else if (drop && !pcx.colorTable.isEmpty() && canRetable)
+                p.data = Planned::StoredWithoutTable;
+            else
+                p.data = Planned::Stored;
+            p.table = -1;
+            tableRead[idx] = p.data == Planned::Stored ? pcx.colorTable : QList<QRgb>();
+        };
+
+        if (isCharacter && isPortrait(p.info.group, p.info.number)) {
+            // Both portraits take the character's palette; the first one
+            // read brings it when no palette file does. That is palette 1,1
+            // when there is one, so that every sprite sharing it keeps it.
+            if (portraitPalette < 0) {
+                withTable(characterPalette >= 0 ? characterPalette : p.info.palette);
+                portraitPalette = makePalette(tableRead[idx]);
+            } else {
+                withoutTable(portraitPalette);
+            }
+            readAs[idx] = portraitPalette;
+        } else if (i > 0 && last >= 0 && read[size_t(last)].shown == want) {
+            p.samePalette = 1;
+            withoutTable(last);
+            readAs[idx] = last;
+        } else {
+            withTable(p.info.palette);
+            if (tableRead[idx].isEmpty() && i > 0 && last >= 0)
+                readAs[idx] = last; // a PCX without colours takes those before it
+            else
+                readAs[idx] = makePalette(tableRead[idx]);
+        }
+        last = readAs[idx];
+        if (!fixable)
+            tableRead[idx].clear();
+    }
+
+    for (size_t idx = 0; idx < sprites.size(); ++idx)
+        if (!lost[idx] && !keeps(int(idx), readAs[idx], sprites[idx].info.hasImage ? tableRead[idx] : QList<QRgb>()))
+            lost[idx] = 1;
+}
+
+QList<uint> SffPlan::outOfOrder() const
 {
     auto paletteGroup = [this](int palette) {
-        const QPaletteItem *p = s.palettes.item(palette);
+        const QPaletteItem *p = palettes.item(palette);
         return p ? int(p->group) : -1;
     };
-    if (isCharacter) {
-        // Sprites on the character's palettes share them through the
-        // same-palette chain, which breaks wherever another palette
-        // comes between.
-        QList<uint> outOfOrder;
-        for (int i = 0; i < s.count(); ++i) {
-            const QSpriteItem *item = s.sprites[i];
-            if (isPortrait(item->info.group, item->info.number))
-                continue;
-            if (paletteGroup(item->info.palette) == 1
-                && (i == 0 || paletteGroup(s.sprites[i - 1]->info.palette) != 1))
-                outOfOrder.append(uint(i));
-        }
-        if (!outOfOrder.isEmpty())
-            emit s.orderMustBeChanged(outOfOrder);
+    QList<uint> out;
+    for (size_t i = 0; i < sprites.size(); ++i) {
+        const QSpriteInfo &info = sprites[i].info;
+        if (isPortrait(info.group, info.number))
+            continue;
+        if (paletteGroup(info.palette) == 1 && (i == 0 || paletteGroup(sprites[i - 1].info.palette) != 1))
+            out.append(uint(i));
     }
-    for (int i = 0; i < s.count(); ++i)
-        s.sprites[i]->offset = i > 0 && s.sprites[i]->info.palette == s.sprites[i - 1]->info.palette ? 1 : 0;
+    return out;
 }
 
-bool SffWriter::decoded(const QSpriteItem *item, QImage &image) const
+class SffWriter
 {
-    QByteArray raw;
-    const QBFCacheFilter *filter = QBFCacheFilter::filter(item->filter);
-    if (!s.cache.get(item->cacheId, raw, filter, item->spriteSize()))
+public:
+    SffWriter(QSprites &store, const SffPlan &plan, quint32 version, bool lzSearch)
+        : total(uint(plan.palettes.count()) + 2 * uint(plan.sprites.size())), s(store), plan(plan), version(version),
+          lzSearch(lzSearch)
+    {
+    }
+
+    // Writes the whole file into `out`; false on cancel or error (reported).
+    bool writeV1(QIODevice &out);
+    bool writeV2(QIODevice &out);
+
+    // True once a cancel or an error (already reported) stopped the writing.
+    bool stopped = false;
+    uint total;
+
+private:
+    bool progress(uint pos)
+    {
+        bool allow = true;
+        emit s.progress(pos, total, allow);
+        stopped |= !allow;
+        return allow;
+    }
+    bool fail(int index, const char *reason)
+    {
+        stopped = true;
+        emit s.fileError(
+            tr("Sprite saving error"), tr("An error occurred when saving the sprite %1.\n%2").arg(index).arg(tr(reason)));
         return false;
-    image = item->spriteSize().toImage(raw);
-    return true;
-}
+    }
+    quint8 chooseCode(QImage::Format format, int palette) const;
 
-quint8 SffWriter::chooseCode(const QSpriteItem *item) const
+    QSprites &s;
+    const SffPlan &plan;
+    quint32 version;
+    bool lzSearch;
+};
+
+quint8 SffWriter::chooseCode(QImage::Format format, int palette) const
 {
-    if (item->imageFormat == QImage::Format_ARGB32)
+    if (format == QImage::Format_ARGB32)
         return CodePNG32;
-    if (item->imageFormat == QImage::Format_RGB32)
+    if (format == QImage::Format_RGB32)
         return CodePNG24;
     // A palette index outside the list counts as a full palette.
-    const QPaletteItem *pal = s.palettes.item(item->info.palette);
+    const QPaletteItem *pal = plan.palettes.item(palette);
     if (pal && pal->colorCount == 32)
         return CodeLZ5;
-    return version == Version200 ? CodeRLE8 : CodePNG8;
+    return version == QSffVersion::V200 ? CodeRLE8 : CodePNG8;
 }
 
 bool SffWriter::writeV1(QIODevice &out)
@@ -1306,41 +1708,59 @@ bool SffWriter::writeV1(QIODevice &out)
     QByteArray header;
     ByteWriter hw(header);
     V1Header h;
-    h.images = quint32(s.count());
+    h.images = quint32(plan.sprites.size());
     h.write(hw);
     if (out.write(header) != header.size())
         return false;
+    const QBFCacheFilter *byPass = QBFCacheFilter::byPass();
     qint64 pos = HeaderSize;
-    for (int i = 0; i < s.count(); ++i) {
-        const QSpriteItem *item = s.sprites[i];
+    for (size_t idx = 0; idx < plan.sprites.size(); ++idx) {
+        const int i = int(idx);
+        const Planned &p = plan.sprites[idx];
         QByteArray pcx;
-        if (item->info.hasImage && item->cacheId != 0) {
-            QImage image;
-            if (!decoded(item, image))
-                return fail(i, "Failed to retrieve the image data from cache.");
-            if (image.format() == QImage::Format_Indexed8) {
-                if (const QRGBPal *colors = s.palettes.colors(item->info.palette))
-                    image.setColorTable(colors->toColorTable());
-                else
-                    image.setColorTable(QList<QRgb>(256, qRgb(0, 0, 0)));
+        if (p.info.hasImage) {
+            if (p.data == Planned::Encoded) {
+                QImage image = plan.pixels(p);
+                if (image.isNull())
+                    return fail(i, "Failed to retrieve the image data from cache.");
+                if (image.format() == QImage::Format_Indexed8) {
+                    const QRGBPal *colors = plan.palettes.colors(p.table >= 0 ? p.table : p.info.palette);
+                    image.setColorTable(colors ? colors->toColorTable() : QList<QRgb>(256, qRgb(0, 0, 0)));
+                }
+                pcx = QPCXCacheFilter::write(image);
+                if (pcx.isEmpty())
+                    return fail(i, "Can't create the PCX file.");
+                // The colour triples are left out when the loader takes the
+                // colours from elsewhere; the marker byte 12 stays.
+                if (p.table < 0 && pcx.size() > 768)
+                    pcx.chop(768);
+            } else {
+                const QSpriteItem *item = s.item(p.source);
+                if (!item || !s.m_cache.get(item->cacheId, pcx, byPass))
+                    return fail(i, "Failed to retrieve the image data from cache.");
+                if (p.data != Planned::Stored) {
+                    const qsizetype end = QPCXCacheFilter::layout(pcx).dataEnd;
+                    pcx.truncate(end);
+                    pcx.append(char(12));
+                    if (p.data == Planned::StoredWithTable) {
+                        const QRGBPal *colors = plan.palettes.colors(p.table);
+                        for (int k = 0; k < 256; ++k) {
+                            const QRGBColor c = colors ? colors->colors[k] : QRGBColor{0, 0, 0, 255};
+                            pcx.append(char(c.r)).append(char(c.g)).append(char(c.b));
+                        }
+                    }
+                }
             }
-            pcx = QPCXCacheFilter::write(image);
-            if (pcx.isEmpty())
-                return fail(i, "Can't create the PCX file.");
-            // The colour triples are left out when the previous sprite's
-            // colours are to be used; the marker byte 12 stays.
-            if (item->offset == 1 && pcx.size() > 768)
-                pcx.chop(768);
         }
         V1Subheader sh;
         sh.length = quint32(pcx.size());
         sh.next = quint32(pos + SubheaderSize + pcx.size());
-        sh.x = item->info.x;
-        sh.y = item->info.y;
-        sh.group = item->info.group;
-        sh.number = item->info.number;
-        sh.link = item->info.hasImage ? 0 : item->info.link;
-        sh.samePalette = quint8(item->offset == 1);
+        sh.x = p.info.x;
+        sh.y = p.info.y;
+        sh.group = p.info.group;
+        sh.number = p.info.number;
+        sh.link = p.info.hasImage ? 0 : p.info.link;
+        sh.samePalette = p.samePalette;
         QByteArray sub;
         ByteWriter sw(sub);
         sh.write(sw);
@@ -1348,7 +1768,7 @@ bool SffWriter::writeV1(QIODevice &out)
         if (out.write(sub) != sub.size())
             return false;
         pos += sub.size();
-        if (!progress(uint(s.count()) + uint(i) + 1))
+        if (!progress(uint(plan.sprites.size()) + uint(i) + 1))
             return false;
     }
     return true;
@@ -1357,9 +1777,11 @@ bool SffWriter::writeV1(QIODevice &out)
 bool SffWriter::writeV2(QIODevice &out)
 {
     OutBlock ldata, tdata;
-    std::vector<V2PaletteNode> palNodes(size_t(s.paletteCount()));
-    for (int p = 0; p < s.paletteCount(); ++p) {
-        const QPaletteItem *pal = s.palettes.item(p);
+    const int paletteCount = plan.palettes.count();
+    const uint spriteCount = uint(plan.sprites.size());
+    std::vector<V2PaletteNode> palNodes(static_cast<size_t>(paletteCount));
+    for (int p = 0; p < paletteCount; ++p) {
+        const QPaletteItem *pal = plan.palettes.item(p);
         V2PaletteNode &node = palNodes[size_t(p)];
         node.group = pal->group;
         node.number = pal->number;
@@ -1371,78 +1793,78 @@ bool SffWriter::writeV2(QIODevice &out)
             node.length = quint32(colors * 4);
             ldata.append(QByteArray(reinterpret_cast<const char *>(pal->colors.bytes()), colors * 4));
         }
-        if (!progress(uint(s.count()) + uint(p) + 1))
+        if (!progress(spriteCount + uint(p) + 1))
             return false;
     }
 
     const QBFCacheFilter *byPass = QBFCacheFilter::byPass();
-    std::vector<V2SpriteNode> sprNodes(size_t(s.count()));
-    for (int i = 0; i < s.count(); ++i) {
-        QSpriteItem *item = s.sprites[i];
-        V2SpriteNode &node = sprNodes[size_t(i)];
-        node.group = item->info.group;
-        node.number = item->info.number;
-        node.width = item->width;
-        node.height = item->height;
-        node.x = item->info.x;
-        node.y = item->info.y;
-        node.link = item->info.link;
-        node.palette = item->info.palette;
-        node.flags = item->info.flags;
-        OutBlock &block = (item->info.flags & 1) ? tdata : ldata;
+    std::vector<V2SpriteNode> sprNodes(spriteCount);
+    for (size_t idx = 0; idx < plan.sprites.size(); ++idx) {
+        const int i = int(idx);
+        const Planned &p = plan.sprites[idx];
+        V2SpriteNode &node = sprNodes[idx];
+        node.group = p.info.group;
+        node.number = p.info.number;
+        node.width = p.size.width;
+        node.height = p.size.height;
+        node.x = p.info.x;
+        node.y = p.info.y;
+        node.link = p.info.link;
+        node.palette = p.info.palette;
+        node.flags = p.info.flags;
+        OutBlock &block = (p.info.flags & 1) ? tdata : ldata;
         node.offset = quint32(block.size());
-        if (!item->info.hasImage || item->cacheId == 0) {
+        if (!p.info.hasImage) {
             node.format = CodeLinked;
         } else {
-            quint8 code = chooseCode(item);
-            quint8 current = quint8(item->filter);
-            if (item->filter == QBFCacheFilter::PNG)
-                current = item->imageFormat == QImage::Format_ARGB32  ? CodePNG32
-                          : item->imageFormat == QImage::Format_RGB32 ? CodePNG24
-                                                                       : CodePNG8;
+            const QSpriteItem *item = p.image.isNull() ? s.item(p.source) : nullptr;
+            quint8 code = chooseCode(p.size.imageFormat, p.info.palette);
+            quint8 current = 0xFF; // the form the bytes are in, if they are stored
+            if (item) {
+                current = quint8(item->filter);
+                if (item->filter == QBFCacheFilter::PNG)
+                    current = item->imageFormat == QImage::Format_ARGB32  ? CodePNG32
+                              : item->imageFormat == QImage::Format_RGB32 ? CodePNG24
+                                                                           : CodePNG8;
+            }
             QByteArray bytes;
             if (current == code) {
-                if (!s.cache.get(item->cacheId, bytes, byPass, item->spriteSize()))
+                if (!s.m_cache.get(item->cacheId, bytes, byPass, item->spriteSize()))
                     return fail(i, "Failed to retrieve the image data from cache.");
             } else {
-                QImage image;
-                if (!decoded(item, image))
-                    return fail(i, "Failed to retrieve the image data from cache.");
-                quint16 filter = QBFCacheFilter::PNG;
+                QImage image = plan.pixels(p);
+                if (image.isNull()) {
+                    // Pixels that can't be decoded show nothing, and so does a blank.
+                    image = QImage(1, 1, p.size.imageFormat == QImage::Format_Invalid ? QImage::Format_Indexed8
+                                                                                      : p.size.imageFormat);
+                    image.fill(0);
+                }
                 if (code == CodeLZ5) {
                     // LZ5 keeps five bits of colour: a sprite with a higher
                     // index goes the other way of its version.
                     const QByteArray packed = QSpriteSize::packedPixels(image);
                     const bool fits = std::all_of(packed.begin(), packed.end(),
                                                   [](char c) { return uchar(c) < 32; });
-                    if (fits) {
+                    if (fits)
                         bytes = QLZ5CacheFilter::encode(packed, lzSearch);
-                        filter = QBFCacheFilter::LZ5;
-                    } else {
-                        code = version == Version200 ? CodeRLE8 : CodePNG8;
-                    }
+                    else
+                        code = version == QSffVersion::V200 ? CodeRLE8 : CodePNG8;
                 }
                 if (code == CodeRLE8) {
                     bytes = QRLE8CacheFilter::encode(QSpriteSize::packedPixels(image));
-                    filter = QBFCacheFilter::RLE8;
                 } else if (code >= CodePNG8) {
                     bytes = QPNGCacheFilter::encode(image);
                     if (bytes.isEmpty())
                         return fail(i, "Can't compress the image.");
                 }
-                // The next save copies what was made now.
-                if (!temporary && code != current && !bytes.isEmpty()) {
-                    item->filter = filter;
-                    s.cache.replace(item->cacheId, bytes, false);
-                }
             }
             node.format = code;
             node.depth = depthForCode(code);
             node.length = quint32(bytes.size() + 4);
-            block.appendStored(quint32(item->width) * item->height * quint32(bytesPerPixel(item->imageFormat)),
+            block.appendStored(quint32(p.size.width) * p.size.height * quint32(bytesPerPixel(p.size.imageFormat)),
                                std::move(bytes));
         }
-        if (!progress(uint(s.count()) + uint(s.paletteCount()) + uint(i) + 1))
+        if (!progress(spriteCount + uint(paletteCount) + uint(i) + 1))
             return false;
     }
 
@@ -1466,19 +1888,40 @@ bool SffWriter::writeV2(QIODevice &out)
     return out.write(tables) == tables.size() && ldata.writeTo(out) && tdata.writeTo(out);
 }
 
-} // namespace
+quint32 versionToWrite(quint32 asked, quint32 current)
+{
+    const quint32 v = asked != 0 ? asked : current;
+    return QSffVersion::isSupported(v) ? v : QSffVersion::V201; // the one that holds every kind of sprite
+}
+
+} // namespace Sff
+
+QList<uint> QSprites::spritesChangedBy(quint32 newVersion, bool isCharacter) const
+{
+    QBFCacheFilter::createFilters();
+    SffPlan plan(*this, versionToWrite(newVersion, m_version), isCharacter);
+    plan.build(true, {});
+    return plan.changed;
+}
 
 bool QSprites::toFile(const QString &path, bool isCharacter, quint32 newVersion, bool lzSearch, bool temporary)
 {
     QBFCacheFilter::createFilters();
-    const quint32 previous = version;
-    if (newVersion != 0)
-        version = newVersion;
-    if (!isSupported(version))
-        version = Version201; // the one that holds every kind of sprite
+    const quint32 target = versionToWrite(newVersion, m_version);
 
-    SffWriter writer(*this, isCharacter, previous, version, lzSearch, temporary);
-    writer.prepare();
+    // Everything the version needs is worked out on a copy: the store, its
+    // cache and its undo stack come out of any save as they went in.
+    SffPlan plan(*this, target, isCharacter);
+    const uint total = uint(paletteCount()) + 2 * uint(count());
+    plan.build(!temporary, [this, total](uint pos) {
+        bool allow = true; // preparing can't be cancelled
+        emit progress(pos, total, allow);
+    });
+    if (target == QSffVersion::V101 && isCharacter) {
+        const QList<uint> outOfOrder = plan.outOfOrder();
+        if (!outOfOrder.isEmpty())
+            emit orderMustBeChanged(outOfOrder);
+    }
 
     // The old file stays untouched until the new one is complete.
     QSaveFile file(path);
@@ -1487,13 +1930,14 @@ bool QSprites::toFile(const QString &path, bool isCharacter, quint32 newVersion,
                        tr("Can't write the file \"%1\":\n%2").arg(QDir::toNativeSeparators(path), file.errorString()));
         return false;
     }
+    SffWriter writer(*this, plan, target, lzSearch);
     bool allow = true;
-    emit progress(uint(count()), uint(paletteCount()) + 2 * uint(count()), allow);
-    const bool written = version == Version101 ? writer.writeV1(file) : writer.writeV2(file);
+    emit progress(uint(count()), writer.total, allow);
+    const bool written = allow && (target == QSffVersion::V101 ? writer.writeV1(file) : writer.writeV2(file));
     if (!written) {
         const QString reason = file.errorString();
         file.cancelWriting();
-        if (!writer.stopped)
+        if (allow && !writer.stopped)
             emit fileError(tr("Sprite saving error"),
                            tr("Can't write the file \"%1\":\n%2").arg(QDir::toNativeSeparators(path), reason));
         return false;
@@ -1504,9 +1948,12 @@ bool QSprites::toFile(const QString &path, bool isCharacter, quint32 newVersion,
         return false;
     }
 
-    if (!temporary)
-        fileName = path;
-    modified = false;
+    // A test copy or a backup is no save of the store's own.
+    if (temporary)
+        return true;
+    m_fileName = path;
+    m_version = target;
+    m_modified = false;
     emit changed();
     return true;
 }

@@ -18,14 +18,14 @@ void SpriteUndoCommand::redo()
     doRedo();
 }
 
-SpriteUndoCommand::Replay::Replay(QSprites *s) : m_sprites(s), m_was(s->undoEnabled)
+SpriteUndoCommand::Replay::Replay(QSprites *s) : m_sprites(s), m_was(s->undoEnabled())
 {
-    s->undoEnabled = false;
+    s->setUndoEnabled(false);
 }
 
 SpriteUndoCommand::Replay::~Replay()
 {
-    m_sprites->undoEnabled = m_was;
+    m_sprites->setUndoEnabled(m_was);
 }
 
 // --- move ----------------------------------------------------------------------
@@ -88,7 +88,7 @@ void SpriteChangeImage::hold(int sprite)
         height = it->height;
         imageFormat = it->imageFormat;
     }
-    hasEntry = it && it->cacheId && sprites->cache.contains(it->cacheId);
+    hasEntry = it && it->cacheId && sprites->cache().contains(it->cacheId);
     if (!hasEntry) {
         if (undoId)
             c->remove(undoId);
@@ -96,14 +96,14 @@ void SpriteChangeImage::hold(int sprite)
         return;
     }
     // Stored bytes go across as they are; compressed entries stay compressed.
-    if (undoId && c->replaceEntry(undoId, sprites->cache, it->cacheId))
+    if (undoId && c->replaceEntry(undoId, sprites->cache(), it->cacheId))
         return;
-    undoId = c->copyEntry(sprites->cache, it->cacheId);
+    undoId = c->copyEntry(sprites->cache(), it->cacheId);
 }
 
 void SpriteChangeImage::giveTo(int sprite) const
 {
-    const quint32 id = hasEntry ? sprites->cache.copyEntry(*sprites->undoCache(), undoId) : 0;
+    const quint32 id = hasEntry ? sprites->cache().copyEntry(*sprites->undoCache(), undoId) : 0;
     sprites->adoptEntry(sprite, id, filter, QSpriteSize(width, height, imageFormat));
 }
 
@@ -113,7 +113,7 @@ void SpriteChangeImage::swapImage()
     if (!sprites->item(i))
         return;
     // Take the held image out before holding the current one in its place.
-    const quint32 id = hasEntry ? sprites->cache.copyEntry(*sprites->undoCache(), undoId) : 0;
+    const quint32 id = hasEntry ? sprites->cache().copyEntry(*sprites->undoCache(), undoId) : 0;
     const quint16 f = filter;
     const QSpriteSize size(width, height, imageFormat);
     hold(i);
@@ -191,7 +191,7 @@ void SpriteRemove::doRedo()
 
 PaletteChange::PaletteChange(QSprites *s, const QString &text, const QPaletteList &b,
                              const QList<int> &sb)
-    : SpriteUndoCommand(s, 0, text), before(b), after(s->palettes), spritesBefore(sb),
+    : SpriteUndoCommand(s, 0, text), before(b), after(s->palettes()), spritesBefore(sb),
       spritesAfter(s->spritePaletteIndices())
 {
 }
@@ -199,19 +199,13 @@ PaletteChange::PaletteChange(QSprites *s, const QString &text, const QPaletteLis
 void PaletteChange::undo()
 {
     Replay r(sprites);
-    sprites->paletteObject.beginReset();
-    sprites->palettes = before;
-    sprites->setSpritePaletteIndices(spritesBefore);
-    sprites->paletteObject.endReset();
+    sprites->restorePalettes(before, spritesBefore);
     sprites->touch();
 }
 
 void PaletteChange::doRedo()
 {
     Replay r(sprites);
-    sprites->paletteObject.beginReset();
-    sprites->palettes = after;
-    sprites->setSpritePaletteIndices(spritesAfter);
-    sprites->paletteObject.endReset();
+    sprites->restorePalettes(after, spritesAfter);
     sprites->touch();
 }

@@ -298,7 +298,7 @@ void TestCli::infoOverSample()
     for (const QString &path : files) {
         QMessages messages;
         QSprites store;
-        store.messages = &messages;
+        store.setMessages(&messages);
         QVERIFY2(store.fromFile(path, false, true), qPrintable(path));
 
         const Run r = runTool({QStringLiteral("info"), path, QStringLiteral("--json")});
@@ -387,7 +387,7 @@ void TestCli::exportMatchesStore()
         QVERIFY(out.isValid());
         QMessages messages;
         QSprites store;
-        store.messages = &messages;
+        store.setMessages(&messages);
         QVERIFY2(store.fromFile(path, isCharacter, true), qPrintable(path));
 
         QStringList args{QStringLiteral("sprites"), QStringLiteral("export"), path, out.path()};
@@ -483,10 +483,10 @@ void TestCli::convertVersions()
     QVERIFY(original.fromFile(source, false, true));
 
     const QList<QPair<QString, quint32>> targets = {
-        {QStringLiteral("1.01"), QSprites::Version101},
-        {QStringLiteral("2.00"), QSprites::Version200},
-        {QStringLiteral("2.01"), QSprites::Version201},
-        {QStringLiteral("2.0.1.0"), QSprites::Version201},
+        {QStringLiteral("1.01"), QSffVersion::V101},
+        {QStringLiteral("2.00"), QSffVersion::V200},
+        {QStringLiteral("2.01"), QSffVersion::V201},
+        {QStringLiteral("2.0.1.0"), QSffVersion::V201},
     };
     for (const auto &[name, word] : targets) {
         const QString out = dir.filePath(QStringLiteral("kfm-%1.sff").arg(name));
@@ -504,7 +504,7 @@ void TestCli::convertVersions()
             // Indexed sprites keep their indices and colours in every version.
             // (The 8-bit versions give colour 0 of a palette no alpha of its own.)
             if (a.format() == QImage::Format_Indexed8) {
-                const QString diff = imageDifference(b, a, word == QSprites::Version201);
+                const QString diff = imageDifference(b, a, word == QSffVersion::V201);
                 QVERIFY2(diff.isEmpty(), qPrintable(QStringLiteral("%1 sprite %2: %3").arg(name).arg(i).arg(diff)));
             }
         }
@@ -523,8 +523,21 @@ void TestCli::convertVersions()
                          QStringLiteral("--to"), QStringLiteral("2.00")}), 0);
     QSprites inplace;
     QVERIFY(inplace.fromFile(copy, false, true));
-    QCOMPARE(inplace.version, QSprites::Version200);
+    QCOMPARE(inplace.version(), QSffVersion::V200);
     QCOMPARE(inplace.count(), original.count());
+
+    // What a version can't hold is said before the file is written, and the
+    // file is written all the same.
+    const QString reduced = dir.filePath(QStringLiteral("num72.sff"));
+    const Run lossy = runTool({QStringLiteral("sprites"), QStringLiteral("convert"),
+                               TestSupport::samplePath(QStringLiteral("font/num72.sff")), reduced,
+                               QStringLiteral("--to"), QStringLiteral("1.01")});
+    EXPECT_EXIT(lossy, 1);
+    QVERIFY2(lossy.err.contains("num72.sff(0): 22 sprites will show other colours in version 1.01: 0,48; "),
+             qPrintable(lossy.err));
+    QSprites lossyBack;
+    QVERIFY(lossyBack.fromFile(reduced, false, true));
+    QCOMPARE(lossyBack.count(), 22);
 
     // Targets that can't be written: one line, exit 2, and nothing created.
     const QString plain = dir.filePath(QStringLiteral("plain"));
@@ -571,7 +584,7 @@ void TestCli::damagedSpriteFiles()
 
     const QByteArray good = readAll(TestSupport::samplePath(source));
     QVERIFY2(good.size() > 600, qPrintable(source));
-    const bool v1 = word32(good, 12) == QSprites::Version101;
+    const bool v1 = word32(good, 12) == QSffVersion::V101;
 
     for (qsizetype cut : {qsizetype(13), qsizetype(40), qsizetype(511), qsizetype(530), good.size() / 2,
                           good.size() - 1})

@@ -68,7 +68,7 @@ void makeSprites(const QString &path)
         id.number = quint16(i);
         s.setInfo(i, id);
     }
-    QVERIFY(s.toFile(path, true, QSprites::Version201, true, false));
+    QVERIFY(s.toFile(path, true, QSffVersion::V201, true, false));
 }
 
 bool hasFailure(QProject &p, const QString &file, const QString &reason)
@@ -249,7 +249,7 @@ private slots:
         QVERIFY(!p.state(0)->isModified());
 
         // Palettes: found files take 1, 2, 3 in order; the unreadable one keeps its number.
-        const QPaletteList &pals = p.sprites()->palettes;
+        const QPaletteList &pals = p.sprites()->palettes();
         QCOMPARE(pals.count(), 2);
         QVERIFY(pals.find(0, 1, 1) >= 0);
         QCOMPARE(pals.find(0, 1, 2), -1);
@@ -301,7 +301,7 @@ private slots:
         });
         // Cancelled after the second palette: still a project, with what was read.
         QVERIFY(p.fromFile(def, 0, false, false));
-        QCOMPARE(p.sprites()->palettes.count(), 1);
+        QCOMPARE(p.sprites()->palettes().count(), 1);
         QVERIFY(p.commands()->isEmpty());
         QCOMPARE(p.statesCount(), 0);
         QCOMPARE(p.name(), QStringLiteral("Hero"));
@@ -309,7 +309,7 @@ private slots:
         QProject q;
         connect(&q, &QProject::progress, this, [](uint, uint, bool &goOn) { goOn = false; });
         QVERIFY(q.fromFile(def, 0, false, false));
-        QCOMPARE(q.sprites()->palettes.count(), 0);
+        QCOMPARE(q.sprites()->palettes().count(), 0);
     }
 
     void saveFlows()
@@ -386,7 +386,7 @@ private slots:
         int versionQuestions = 0;
         connect(&p, &QProject::spritesVersionToSave, this, [&](quint32) {
             ++versionQuestions;
-            return QSprites::Version200;
+            return QSffVersion::V200;
         });
         // Files of someone else's that it would replace are known beforehand.
         writeAll(out + QStringLiteral("/hero.cns"), "[Statedef 0]");
@@ -409,8 +409,8 @@ private slots:
         QCOMPARE(p.definitions()->fileName(), out + QStringLiteral("/renamed.def"));
         QCOMPARE(p.commands()->fileName(), out + QStringLiteral("/hero.cmd"));
         QCOMPARE(p.state(1)->fileName(), out + QStringLiteral("/States/walk.st"));
-        QCOMPARE(p.sprites()->fileName, out + QStringLiteral("/hero.sff"));
-        QCOMPARE(p.sprites()->version, QSprites::Version200);
+        QCOMPARE(p.sprites()->fileName(), out + QStringLiteral("/hero.sff"));
+        QCOMPARE(p.sprites()->version(), QSffVersion::V200);
         QVERIFY(!p.sprites()->isModified() && !p.commands()->isModified());
         QVERIFY(p.filesReplacedBySaveAs(out + QStringLiteral("/renamed.def")).isEmpty());
 
@@ -459,7 +459,7 @@ private slots:
         QVERIFY(QFileInfo::exists(out + QStringLiteral("/hero.cns")));
         BF_VERIFY_UNCHANGED(edited, q, true, "a Save As that failed in part");
         QVERIFY(q.sprites()->isModified());
-        QCOMPARE(q.sprites()->fileName, dir.filePath(QStringLiteral("hero.sff")));
+        QCOMPARE(q.sprites()->fileName(), dir.filePath(QStringLiteral("hero.sff")));
 
         // A backup of a project whose folder is gone says so.
         q.definitions()->setFileName(dir.filePath(QStringLiteral("gone/hero.def")));
@@ -588,7 +588,7 @@ private slots:
         QCOMPARE(p.statesCount(), 3);
         QCOMPARE(again.statesCount(), 2); // the one outside the folder wasn't copied
         QCOMPARE(again.commands()->text(), p.commands()->text());
-        QCOMPARE(again.sprites()->palettes.count(), p.sprites()->palettes.count());
+        QCOMPARE(again.sprites()->palettes().count(), p.sprites()->palettes().count());
         QCOMPARE(again.state(1)->text(), p.state(1)->text());
 
         // A backup writes the same into a dated folder, under the DEF's own name.
@@ -611,7 +611,7 @@ private slots:
         QCOMPARE(p.definitions()->fileName(), def);
         QVERIFY(p.commands()->text().contains(QStringLiteral("unsaved")));
         QCOMPARE(p.commands()->fileName(), dir.filePath(QStringLiteral("hero.cmd")));
-        QCOMPARE(p.sprites()->palettes.count(), 2);
+        QCOMPARE(p.sprites()->palettes().count(), 2);
 
         // A project that has no DEF file yet has nowhere to back up.
         QProject fresh;

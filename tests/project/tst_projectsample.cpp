@@ -73,7 +73,7 @@ private slots:
         QCOMPARE(p.defFiles().sprite, sprite);
         if (sprite.endsWith(QLatin1String(".sff"))) {
             QVERIFY2(p.sprites()->count() > 0, qPrintable(def));
-            QCOMPARE(p.sprites()->fileName, TestSupport::samplePath(QFileInfo(def).path() + QLatin1Char('/') + sprite));
+            QCOMPARE(p.sprites()->fileName(), TestSupport::samplePath(QFileInfo(def).path() + QLatin1Char('/') + sprite));
         } else {
             // A TrueType font isn't a sprite file of the project: noted, not an error.
             QVERIFY(hasInfo(p, sprite));

@@ -233,6 +233,18 @@ void TestInterface::canSaveRefusesWhatTheEngineCannotRead()
     if (sprites->paletteCount() == 0)
         QVERIFY(!ui->canSave(&project, QProjectFile::Sprites, 0x02000100));
 
+    // Colours the version can't hold: asked first; No saves nothing.
+    sprites->addPalette(QRGBPal(), false, 1, 1);
+    QImage glass(3, 3, QImage::Format_ARGB32);
+    glass.fill(qRgba(10, 200, 30, 128));
+    QVERIFY(sprites->changeImage(0, glass, -1, false, 0, 0));
+    answers.asked.clear();
+    QVERIFY(!ui->canSave(&project, QProjectFile::Sprites, 0x01000100));
+    answers.byTitle["Save SFF"] = QMessageBox::Yes;
+    QVERIFY(ui->canSave(&project, QProjectFile::Sprites, 0x01000100));
+    QVERIFY(ui->canSave(&project, QProjectFile::Sprites, 0x02000100));
+    QCOMPARE(answers.asked, QStringList({"Save SFF", "Save SFF"}));
+
     // Commands, states and definitions are never refused here.
     QVERIFY(ui->canSave(&project, QProjectFile::Commands, 0));
     QVERIFY(ui->canSave(&project, QProjectFile::States, 0));
@@ -262,7 +274,7 @@ void TestInterface::saveAsAsksPaletteQuestionOnlyForOldCharacters()
     QProject *chr = ui->currentProject();
     chr->definitions()->setText("[Info]\r\nname = \"Old\"\r\n[Files]\r\nsprite = old.sff\r\n");
     chr->definitions()->updateHierarchy();
-    chr->sprites()->version = 0x01000100;
+    chr->sprites()->setVersion(0x01000100);
     QDir().mkpath(m_dir.filePath("old"));
     answers.files << m_dir.filePath("old/old.def");
     ui->fileSaveAs();

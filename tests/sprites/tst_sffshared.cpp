@@ -61,7 +61,6 @@ private slots:
     void unchangedSaveIsIdentical_data();
     void unchangedSaveIsIdentical();
     void dataOutsideItsBlock();
-    void duplicatesAfterASettledSave();
     void largeFileProgress();
     void itemPool();
 
@@ -91,7 +90,7 @@ void TestSffShared::unchangedSaveIsIdentical()
     made.add(); // a link to sprite 4
     made.setInfo(12, 0, QSpriteInfo::pack(40, 0), QSpriteInfo::pack(4, 0), 0);
     const QString first = dir.filePath("first.sff");
-    QVERIFY(made.toFile(first, false, Version201, true, false));
+    QVERIFY(made.toFile(first, false, QSffVersion::V201, true, false));
 
     // A store made by hand saves links without their target's size; from a
     // loaded file on, the bytes are settled.
@@ -108,7 +107,6 @@ void TestSffShared::unchangedSaveIsIdentical()
     const QString third = dir.filePath("third.sff");
     QVERIFY(loaded.toFile(third, false, 0, true, false));
     QCOMPARE(readAll(third), readAll(second));
-    // Again, with the duplicate search skipped for an unchanged cache.
     QVERIFY(loaded.toFile(third, false, 0, true, false));
     QCOMPARE(readAll(third), readAll(second));
     // The loaded sprites survive the file going away.
@@ -126,7 +124,7 @@ void TestSffShared::dataOutsideItsBlock()
         made.changeImage(i, indexedImage(20, 10 + i, i), 0, false, 0, 0);
     }
     const QString path = dir.filePath("block.sff");
-    QVERIFY(made.toFile(path, false, Version201, true, false));
+    QVERIFY(made.toFile(path, false, QSffVersion::V201, true, false));
     QByteArray bytes = readAll(path);
     ByteReader in(reinterpret_cast<const uchar *>(bytes.constData()), bytes.size());
     V2Header h = V2Header::read(in);
@@ -137,7 +135,7 @@ void TestSffShared::dataOutsideItsBlock()
     cut.ldataLength = h.ldataLength - 10;
     QByteArray header;
     ByteWriter hw(header);
-    cut.write(hw, Version201);
+    cut.write(hw, QSffVersion::V201);
     shortBlock.replace(0, HeaderSize, header);
     QVERIFY(writeAll(path, shortBlock));
     QSprites s;
@@ -157,7 +155,7 @@ void TestSffShared::dataOutsideItsBlock()
     far.ldataOffset = 0x7FFFFFF0;
     header.clear();
     ByteWriter fw(header);
-    far.write(fw, Version201);
+    far.write(fw, QSffVersion::V201);
     QByteArray farBytes = bytes;
     farBytes.replace(0, HeaderSize, header);
     QVERIFY(writeAll(path, farBytes));
@@ -166,42 +164,19 @@ void TestSffShared::dataOutsideItsBlock()
     QCOMPARE(gone.count(), 3);
 }
 
-// A save that found nothing to fold skips the search next time, but only
-// while the pixels stay as they were.
-void TestSffShared::duplicatesAfterASettledSave()
-{
-    QSprites s;
-    for (int i = 0; i < 3; ++i) {
-        s.add();
-        s.changeImage(i, indexedImage(16, 16, i), 0, false, 0, 0);
-    }
-    const QString path = dir.filePath("fold.sff");
-    QVERIFY(s.toFile(path, false, Version201, true, false));
-    QVERIFY(s.toFile(path, false, Version201, true, false));
-    QVERIFY(s.item(2)->info.hasImage);
-    s.changeImage(2, indexedImage(16, 16, 0), 3, false, 0, 0);
-    // Stored raw, the new image differs from the packed first one until the
-    // save packs it; the next save then finds the pair.
-    QVERIFY(s.toFile(path, false, Version201, true, false));
-    QVERIFY(s.toFile(path, false, Version201, true, false));
-    QVERIFY(!s.item(2)->info.hasImage);
-    QCOMPARE(s.item(2)->info.link, quint16(0));
-    QCOMPARE(s.imageData(2), s.imageData(0));
-}
-
 // Thousands of sprites: progress comes in about a thousand steps, from the
 // first to the last, and the load keeps every sprite.
 void TestSffShared::largeFileProgress()
 {
     QSprites made;
-    made.undoEnabled = false;
+    made.setUndoEnabled(false);
     const int n = 3000;
     for (int i = 0; i < n; ++i) {
         made.add();
         made.changeImage(i, indexedImage(4 + i % 7, 3 + i % 5, i), i == 0 ? 0 : 3, false, 0, 0);
     }
     const QString path = dir.filePath("large.sff");
-    QVERIFY(made.toFile(path, false, Version201, true, false));
+    QVERIFY(made.toFile(path, false, QSffVersion::V201, true, false));
     QSprites s;
     QList<uint> seen;
     uint max = 0;

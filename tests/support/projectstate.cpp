@@ -36,11 +36,11 @@ ProjectState ProjectState::of(QSprites &sprites)
         if (const QRGBPal *colors = sprites.paletteColors(p))
             s.palettes += QByteArray(reinterpret_cast<const char *>(colors->bytes()), 1024);
     }
-    s.undoCount = sprites.undoStack.count();
-    s.undoIndex = sprites.undoStack.index();
+    s.undoCount = sprites.undoStack()->count();
+    s.undoIndex = sprites.undoStack()->index();
     s.spritesModified = sprites.isModified();
-    s.spritesFile = sprites.fileName;
-    s.spritesVersion = sprites.version;
+    s.spritesFile = sprites.fileName();
+    s.spritesVersion = sprites.version();
     return s;
 }
 
