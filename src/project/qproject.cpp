@@ -47,7 +47,7 @@ QString unquoted(const QString &value)
 
 QProject::QProject(const QProjectSettings &settings, QObject *parent)
     : QObject(parent)
-    , m_sprites(settings.cacheType, settings.cacheCompression != 0)
+    , m_sprites(settings.cacheType, settings.cacheCompression != 0, settings.records)
     , m_sounds(settings.cacheType, settings.cacheCompression)
     , m_settings(settings)
 {

@@ -8,6 +8,7 @@
 #include <functional>
 
 class QSpriteCache;
+class QSpriteRecordPool;
 
 // What a project takes from the configuration. The interface fills it from the
 // configuration store, so the project model never reaches for process-wide
@@ -25,6 +26,8 @@ struct QProjectSettings
     std::function<void(const QString &key, const QString &value)> storePath;
     // The process-wide cache of undo images; a project without one keeps its own.
     QSpriteCache *undoCache = nullptr;
+    // The program's pool of cache records; a project without one keeps its own.
+    QSpriteRecordPool *records = nullptr;
 
     static QStringList pathKeys()
     {

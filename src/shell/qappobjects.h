@@ -12,6 +12,7 @@ class QSCtrlManager;
 class QScriptManager;
 class QSnippetManager;
 class QSpriteCache;
+class QSpriteRecordPool;
 class QStylesheetManager;
 class SyntaxFormats;
 
@@ -37,4 +38,7 @@ struct QAppObjects
     // Where the undo commands of every project's sprites keep the images they
     // can bring back: one temporary file for the whole program.
     QSpriteCache *undoCache = nullptr;
+    // The records of every sprite and sound cache of the program, reused as
+    // projects open and close.
+    QSpriteRecordPool *spriteRecords = nullptr;
 };

@@ -73,9 +73,9 @@ private:
 
 } // namespace
 
-QSprites::QSprites(int cacheMode, bool cacheCompression, QObject *parent)
+QSprites::QSprites(int cacheMode, bool cacheCompression, QSpriteRecordPool *records, QObject *parent)
     : QOrganizableObject(parent),
-      m_cache(QStringLiteral("mugenspr"), cacheMode, cacheCompression, -1),
+      m_cache(QStringLiteral("mugenspr"), cacheMode, cacheCompression, -1, records),
       m_paletteObject(this)
 {
     QBFCacheFilter::createFilters();
@@ -85,7 +85,7 @@ QSprites::~QSprites()
 {
     // Commands hold handles in the undo cache: let them go first.
     m_undoStack.clear();
-    qDeleteAll(m_sprites);
+    m_itemPool.destroyMany(m_sprites.constData(), m_sprites.size());
     m_sprites.clear();
 }
 
@@ -140,14 +140,14 @@ void QSprites::rowChanged(int i)
 void QSprites::insertRecord(int i)
 {
     beginInsertRows(QModelIndex(), i, i);
-    m_sprites.insert(i, new QSpriteItem);
+    m_sprites.insert(i, m_itemPool.create());
     endInsertRows();
 }
 
 void QSprites::deleteRecord(int i)
 {
     beginRemoveRows(QModelIndex(), i, i);
-    delete m_sprites.takeAt(i);
+    m_itemPool.destroy(m_sprites.takeAt(i));
     endRemoveRows();
 }
 
@@ -238,7 +238,7 @@ void QSprites::clear()
     beginResetModel();
     m_paletteObject.beginReset();
     m_undoStack.clear();
-    QSpriteItem::destroyMany(m_sprites.constData(), m_sprites.size());
+    m_itemPool.destroyMany(m_sprites.constData(), m_sprites.size());
     m_sprites.clear();
     m_palettes.clear();
     m_cache.clear();

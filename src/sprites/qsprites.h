@@ -47,8 +47,10 @@ class QSprites : public QOrganizableObject
 public:
     // `cacheMode` and `cacheCompression` are the configuration's cache_type
     // and cache_compression, fixed for the life of the store.
+    // `records` is the program's pool of cache records; without one the
+    // store's cache keeps its own.
     explicit QSprites(int cacheMode = QSpriteCache::Memory, bool cacheCompression = true,
-                      QObject *parent = nullptr);
+                      QSpriteRecordPool *records = nullptr, QObject *parent = nullptr);
     ~QSprites() override;
 
     // --- list model ---------------------------------------------------------
@@ -228,6 +230,7 @@ private:
     QRemapModel m_remap;
     bool m_undoEnabled = true;
     QMessages *m_messages = nullptr;
+    QSpriteItemPool m_itemPool;
     QList<QSpriteItem *> m_sprites;
     QSpriteCache m_cache;
     QString m_fileName;

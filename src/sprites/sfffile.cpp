@@ -395,14 +395,14 @@ int chainEnd(QSpriteItem *const *items, int n, int index)
 class ItemList
 {
 public:
-    ItemList() = default;
+    explicit ItemList(QSpriteItemPool &pool) : m_pool(pool) {}
     ItemList(const ItemList &) = delete;
     ItemList &operator=(const ItemList &) = delete;
     ~ItemList() { clear(); }
 
     void clear()
     {
-        QSpriteItem::destroyMany(m_items.data(), qsizetype(m_items.size()));
+        m_pool.destroyMany(m_items.data(), qsizetype(m_items.size()));
         m_items.clear();
     }
     // Appends `count` fresh records.
@@ -410,9 +410,17 @@ public:
     {
         const size_t start = m_items.size();
         m_items.resize(start + size_t(count));
-        QSpriteItem::createMany(m_items.data() + start, count);
+        m_pool.createMany(m_items.data() + start, count);
     }
-    void push(std::unique_ptr<QSpriteItem> item) { m_items.push_back(item.release()); }
+    // A fresh record outside the list, given back to the pool unless pushed.
+    struct Drop
+    {
+        QSpriteItemPool *pool;
+        void operator()(QSpriteItem *item) const { pool->destroy(item); }
+    };
+    using Item = std::unique_ptr<QSpriteItem, Drop>;
+    Item make() { return Item(m_pool.create(), Drop{&m_pool}); }
+    void push(Item item) { m_items.push_back(item.release()); }
     // Hands the records over; the list is left empty.
     std::vector<QSpriteItem *> release() { return std::exchange(m_items, {}); }
 
@@ -422,6 +430,7 @@ public:
     const std::vector<QSpriteItem *> &pointers() const { return m_items; }
 
 private:
+    QSpriteItemPool &m_pool;
     std::vector<QSpriteItem *> m_items;
 };
 
@@ -506,8 +515,8 @@ public:
     // the cache may share.
     SffReader(QSprites &store, const QString &name, const uchar *data, qint64 size,
               const QByteArray &wholeFile, bool isCharacter)
-        : s(store), name(name), in(data, size), data(data), wholeFile(wholeFile), isCharacter(isCharacter),
-          issues(store.m_messages, name)
+        : owned(store.m_itemPool), s(store), name(name), in(data, size), data(data), wholeFile(wholeFile),
+          isCharacter(isCharacter), issues(store.m_messages, name)
     {
     }
 
@@ -590,7 +599,7 @@ SffReader::Result SffReader::readV1(const QPaletteList &keptPalettes)
         const qint64 dataStart = pos + SubheaderSize;
         const bool nextValid = sh.next != 0 && qint64(sh.next) >= dataStart && qint64(sh.next) <= in.size();
 
-        auto item = std::make_unique<QSpriteItem>();
+        ItemList::Item item = owned.make();
         item->filter = QBFCacheFilter::PCX;
         item->info.x = sh.x;
         item->info.y = sh.y;

@@ -196,8 +196,9 @@ void TestSffShared::largeFileProgress()
 
 void TestSffShared::itemPool()
 {
+    QSpriteItemPool pool;
     std::vector<QSpriteItem *> many(2500);
-    QSpriteItem::createMany(many.data(), qsizetype(many.size()));
+    pool.createMany(many.data(), qsizetype(many.size()));
     std::set<QSpriteItem *> distinct(many.begin(), many.end());
     QCOMPARE(distinct.size(), many.size());
     for (QSpriteItem *it : many) {
@@ -205,16 +206,18 @@ void TestSffShared::itemPool()
         QVERIFY(!it->info.hasImage);
         it->info.group = 7;
     }
-    // Records ended in bulk come back fresh, one by one or in bulk.
-    QSpriteItem::destroyMany(many.data(), qsizetype(many.size()));
-    auto one = std::make_unique<QSpriteItem>();
+    // Records ended in bulk come back fresh, and no chunk is made for them.
+    const qsizetype made = pool.size();
+    pool.destroyMany(many.data(), qsizetype(many.size()));
+    QCOMPARE(pool.freeCount(), qsizetype(many.size()));
+    QSpriteItem *one = pool.create();
     QCOMPARE(one->info.group, quint16(0));
-    QSpriteItem *two = new QSpriteItem(*one);
-    delete two;
-    QSpriteItem::createMany(many.data(), 10);
+    pool.destroy(one);
+    pool.createMany(many.data(), 10);
     for (int i = 0; i < 10; ++i)
         QCOMPARE(many[size_t(i)]->info.group, quint16(0));
-    QSpriteItem::destroyMany(many.data(), 10);
+    QCOMPARE(pool.size(), made);
+    pool.destroyMany(many.data(), 10);
 }
 
 QTEST_GUILESS_MAIN(TestSffShared)
