@@ -10,7 +10,11 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include "testsupport.h"
+
 using namespace Sff;
+
+using TestSupport::readAll;
 
 namespace {
 
@@ -120,11 +124,6 @@ QByteArray paletteBytes(int colours, quint8 alpha)
     return b;
 }
 
-QByteArray readAll(const QString &path)
-{
-    QFile f(path);
-    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
-}
 
 } // namespace
 

@@ -12,13 +12,10 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+using TestSupport::readAll;
+
 namespace {
 
-QByteArray readAll(const QString &path)
-{
-    QFile f(path);
-    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
-}
 
 bool isCharacterFile(const QString &relative)
 {

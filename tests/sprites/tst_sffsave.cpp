@@ -13,8 +13,12 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include "testsupport.h"
+
 using namespace Sff;
 using TestSupport::SpriteStoreSnapshot;
+
+using TestSupport::readAll;
 
 namespace {
 
@@ -42,11 +46,6 @@ QImage trueColourImage(int w, int h, int seed)
     return img;
 }
 
-QByteArray readAll(const QString &path)
-{
-    QFile f(path);
-    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
-}
 
 } // namespace
 

@@ -9,10 +9,15 @@
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QtTest>
+
+#include "testsupport.h"
 #include <memory>
 #include <set>
 
 using namespace Sff;
+
+using TestSupport::readAll;
+using TestSupport::writeAll;
 
 namespace {
 
@@ -29,17 +34,7 @@ QImage indexedImage(int w, int h, int seed)
     return img;
 }
 
-QByteArray readAll(const QString &path)
-{
-    QFile f(path);
-    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
-}
 
-bool writeAll(const QString &path, const QByteArray &bytes)
-{
-    QFile f(path);
-    return f.open(QIODevice::WriteOnly) && f.write(bytes) == bytes.size();
-}
 
 // Pixels of every sprite, in order.
 QList<QByteArray> pixels(const QSprites &s)
