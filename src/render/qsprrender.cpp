@@ -87,6 +87,12 @@ void QSprRender::setBlank(bool blank)
     emit repaintNeeded(false);
 }
 
+void QSprRender::setBackgroundVisible(bool visible)
+{
+    m_showBackground = visible;
+    prepareImages();
+}
+
 // --- view flags -----------------------------------------------------------------
 
 void QSprRender::setClsnVisible(bool t0, bool t1, bool t2, bool t3, bool rulers)
@@ -313,7 +319,9 @@ void QSprRender::prepareImages()
         m_draw = QImage();
         return;
     }
-    m_draw = drawable(withPaletteEffect(m_sprite, OnionNormal, m_colour0));
+    m_draw = withPaletteEffect(m_sprite, OnionNormal, m_colour0);
+    // A bare picture keeps straight alpha so that it comes out exactly as stored.
+    m_draw = m_showBackground ? drawable(m_draw) : m_draw.convertToFormat(QImage::Format_ARGB32);
     if (m_mode != AnimationMode || m_frame.trans == 0 || m_sprite.format() != QImage::Format_Indexed8)
         return;
     QList<QRgb> table = withPaletteEffect(m_sprite, OnionNormal, false).colorTable();
@@ -454,7 +462,7 @@ QImage QSprRender::render(const QSize &size)
 {
     if (size != m_size)
         resizeEvent(size);
-    QImage out(size, QImage::Format_ARGB32_Premultiplied);
+    QImage out(size, m_showBackground ? QImage::Format_ARGB32_Premultiplied : QImage::Format_ARGB32);
     out.fill(Qt::transparent);
     QPainter p(&out);
     paint(&p, out.rect());
@@ -495,8 +503,12 @@ void QSprRender::paint(QPainter *painter, const QRect &exposed)
 
 void QSprRender::paintSprite(QPainter &p)
 {
-    if (!m_draw.isNull())
-        p.drawImage(m_spriteRect, m_draw);
+    if (m_draw.isNull())
+        return;
+    if (!m_showBackground)
+        p.setCompositionMode(QPainter::CompositionMode_Source);
+    p.drawImage(m_spriteRect, m_draw);
+    p.setCompositionMode(QPainter::CompositionMode_SourceOver);
 }
 
 void QSprRender::paintFrame(QPainter &p)
@@ -1019,14 +1031,17 @@ void QSprRender::storeSelectedBoxes()
         const int width = qMax(1, qRound((b.screen.right() + 1 - b.screen.left()) / z));
         const int top = qRound((b.screen.top() - m_origin.y()) / z);
         const int left = qRound((b.screen.left() - m_origin.x()) / z);
-        b.rect = QRect(left, top, width, height);
+        const QRect rect(left, top, width, height);
         QList<QRect> &list = m_frame.clsn[b.type];
         if (m_adding && &b == &m_boxes.last()) {
             b.index = int(list.size());
-            list.append(b.rect);
-        } else if (b.index >= 0 && b.index < list.size()) {
-            list[b.index] = b.rect;
+            list.append(rect);
+        } else if (b.index >= 0 && b.index < list.size() && list.at(b.index) != rect) {
+            list[b.index] = rect;
+        } else {
+            continue;
         }
+        b.rect = rect;
         changed = true;
     }
     layoutBoxes();

@@ -53,7 +53,7 @@ public:
     void setLocked(bool locked) { m_locked = locked; }
     void setBlank(bool blank);
     // Off for a bare picture on a transparent target (the command-line tool).
-    void setBackgroundVisible(bool visible) { m_showBackground = visible; }
+    void setBackgroundVisible(bool visible);
 
     // --- view flags ----------------------------------------------------------
     void setPickColor(bool pick) { m_pickColor = pick; }
