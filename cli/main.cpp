@@ -9,6 +9,9 @@
 #include "usage.h"
 
 #include <QCoreApplication>
+#include <QGuiApplication>
+
+#include <memory>
 
 static ExitCode dispatch(const QStringList &words)
 {
@@ -38,7 +41,12 @@ static ExitCode dispatch(const QStringList &words)
 
 int main(int argc, char **argv)
 {
-    QCoreApplication app(argc, argv);
+    // Drawing text needs fonts, and fonts need the GUI application; no display
+    // is used, so it runs on the offscreen platform unless told otherwise.
+    const bool draws = argc > 2 && qstrcmp(argv[1], "sprites") == 0 && qstrcmp(argv[2], "render") == 0;
+    if (draws && !qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    std::unique_ptr<QCoreApplication> app(draws ? new QGuiApplication(argc, argv) : new QCoreApplication(argc, argv));
     QCoreApplication::setApplicationName(QStringLiteral("brawlforge-cli"));
     QCoreApplication::setApplicationVersion(QStringLiteral(BF_CLI_VERSION));
     return toInt(dispatch(QCoreApplication::arguments().mid(1)));
