@@ -20,11 +20,13 @@ ExitCode run(const QStringList &words)
         return exportSprites(words.mid(1));
     if (sub == QLatin1String("convert"))
         return convert(words.mid(1));
+    if (sub == QLatin1String("render"))
+        return render(words.mid(1));
     if (sub.isEmpty() || sub.startsWith(QLatin1Char('-'))) {
         CommandStart start = startCommand(words, Usage::Topic::Sprites, {}, {});
         if (start.finished)
             return *start.finished;
-        return usageError(Usage::Topic::Sprites, QStringLiteral("missing command: export or convert"));
+        return usageError(Usage::Topic::Sprites, QStringLiteral("missing command: export, convert or render"));
     }
     return usageError(Usage::Topic::Sprites, QStringLiteral("unknown command 'sprites %1'").arg(sub));
 }

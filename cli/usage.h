@@ -5,7 +5,7 @@
 // The help texts of the tool and of each command, and its version line.
 namespace Usage {
 
-enum class Topic { Tool, Info, Sprites, SpritesExport, SpritesConvert, Project, ProjectInfo };
+enum class Topic { Tool, Info, Sprites, SpritesExport, SpritesConvert, SpritesRender, Project, ProjectInfo };
 
 QString text(Topic topic);
 QString versionLine();

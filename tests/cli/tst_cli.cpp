@@ -174,6 +174,7 @@ private slots:
     void damagedSpriteFiles();
     void definitionsInfo();
     void projectInfo();
+    void renderSprites();
 };
 
 void TestCli::initTestCase()
@@ -683,6 +684,56 @@ void TestCli::projectInfo()
             QVERIFY2(!r.crashed && r.code >= 0 && r.code <= 2, qPrintable(describe(r)));
         }
     }
+}
+
+void TestCli::renderSprites()
+{
+    BF_REQUIRE_SAMPLE();
+    const QString sff = TestSupport::samplePath(QStringLiteral("chars/kfm/kfm.sff"));
+    const QString def = TestSupport::samplePath(QStringLiteral("chars/kfm/kfm.def"));
+    QTemporaryDir dir;
+    QVERIFY(dir.isValid());
+    QSprites store;
+    QVERIFY(store.fromFile(sff, true, true));
+    const QSpriteItem *stand = store.item(store.findSprite(0, 0, 0));
+    const QSize size(stand->width, stand->height);
+
+    // The sprite alone: its own size times the zoom, with transparency.
+    const QString alone = dir.filePath(QStringLiteral("alone.png"));
+    Run r = runTool({QStringLiteral("sprites"), QStringLiteral("render"), sff, QStringLiteral("0,0"), alone});
+    EXPECT_EXIT(r, 0);
+    QVERIFY2(r.err.isEmpty(), r.err.constData());
+    QImage picture(alone);
+    QCOMPARE(picture.size(), size);
+    QVERIFY(picture.hasAlphaChannel());
+    QCOMPARE(qAlpha(picture.pixel(0, 0)), 0);
+    r = runTool({QStringLiteral("sprites"), QStringLiteral("render"), def, QStringLiteral("0,0"), alone,
+                 QStringLiteral("--zoom"), QStringLiteral("2"), QStringLiteral("--palette"), QStringLiteral("1,1")});
+    EXPECT_EXIT(r, 0);
+    QCOMPARE(QImage(alone).size(), size * 2);
+
+    // On the stage: background everywhere, larger than the sprite.
+    const QString staged = dir.filePath(QStringLiteral("stage.png"));
+    r = runTool({QStringLiteral("sprites"), QStringLiteral("render"), def, QStringLiteral("0,0"), staged, QStringLiteral("--stage")});
+    EXPECT_EXIT(r, 0);
+    picture = QImage(staged);
+    QVERIFY(picture.width() >= 320 && picture.height() > size.height());
+    QCOMPARE(qAlpha(picture.pixel(picture.width() - 1, picture.height() - 1)), 255);
+
+    // Failures leave the output as it was.
+    const QByteArray before = readAll(alone);
+    const QList<QStringList> bad = {
+        {sff, QStringLiteral("9999,9"), alone},
+        {sff, QStringLiteral("0,0"), alone, QStringLiteral("--palette"), QStringLiteral("77,77")},
+        {sff, QStringLiteral("0,0"), alone, QStringLiteral("--zoom"), QStringLiteral("9")},
+        {sff, QStringLiteral("zero"), alone},
+    };
+    for (const QStringList &args : bad) {
+        r = runTool(QStringList{QStringLiteral("sprites"), QStringLiteral("render")} + args);
+        EXPECT_EXIT(r, 2);
+        QVERIFY2(r.err.count('\n') <= 2 && !r.err.isEmpty(), r.err.constData());
+    }
+    QCOMPARE(readAll(alone), before);
 }
 
 QTEST_GUILESS_MAIN(TestCli)

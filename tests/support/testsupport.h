@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QImage>
 #include <QString>
 
 namespace TestSupport {
@@ -23,6 +24,15 @@ QString fixturesDir();
 QByteArray readAll(const QString &path);
 // Writes a file, making its folder first; false when that fails.
 bool writeAll(const QString &path, const QByteArray &bytes);
+// Largest difference of one channel between two images of one size; -1 when
+// the sizes differ or either is null.
+int imageDifference(const QImage &a, const QImage &b);
+
+// Compares `image` with the stored picture tests/fixtures/<name>, channel by
+// channel within `tolerance`. With BF_UPDATE_FIXTURES set in the environment
+// the picture is written instead. On a mismatch, `why` says how, and the
+// image drawn is left beside the test for a look.
+bool matchesFixture(const QImage &image, const QString &name, int tolerance = 0, QString *why = nullptr);
 
 } // namespace TestSupport
 

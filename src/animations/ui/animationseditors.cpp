@@ -8,7 +8,6 @@
 
 void registerAnimationEditors(QEditorRegistry &registry, const QAppObjects &objects)
 {
-    Q_UNUSED(objects);
-    registry.addWorkspace(std::make_unique<QAnimSpriteWorkspace>());
+    registry.addWorkspace(std::make_unique<QAnimSpriteWorkspace>(objects));
     registry.addEditor(std::make_unique<QAnimationsEditor>());
 }
