@@ -8,7 +8,7 @@
 #include <QTemporaryDir>
 
 #include "animations/qanimations.h"
-#include "core/qanimationsfile.h"
+#include "project/qanimationsfile.h"
 
 #include <malloc.h>
 

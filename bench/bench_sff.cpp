@@ -68,7 +68,7 @@ QByteArray makeFile()
     hd.ldataOffset = hd.spriteOffset + Sff::SpriteNodeSize * SpriteCount;
     hd.ldataLength = quint32(ldata.size());
     hd.tdataOffset = hd.ldataOffset + hd.ldataLength;
-    hd.write(fw, Sff::Version200);
+    hd.write(fw, QSffVersion::V200);
     Sff::V2PaletteNode pn;
     pn.colorCount = 256;
     pn.length = 1024;
@@ -155,18 +155,16 @@ void BM_MemoryPerSprite(benchmark::State &state)
     Fixture &f = fixture();
     double overhead = 0;
     for (auto _ : state) {
-        QSpriteCache::purge();
         malloc_trim(0);
         const size_t before = mallinfo2().uordblks;
         {
             auto sprites = std::make_unique<QSprites>(QSpriteCache::Memory, false);
             sprites->fromFile(f.path, false, false);
             const size_t after = mallinfo2().uordblks;
-            overhead = (double(after) - double(before) - double(sprites->cache.storedTotal()))
+            overhead = (double(after) - double(before) - double(sprites->cache().storedTotal()))
                        / sprites->count();
         }
         state.PauseTiming();
-        QSpriteCache::purge();
         state.ResumeTiming();
     }
     state.counters["overhead_bytes_per_sprite"] = overhead;

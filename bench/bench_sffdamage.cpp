@@ -2,7 +2,7 @@
 // the load must cost time and memory in proportion to the bytes present.
 // Each case reports the file size, the issues listed, the heap the loaded
 // store holds and the peak heap during the load (by malloc statistics).
-#include "core/qmessages.h"
+#include "base/qmessages.h"
 #include "sprites/qbfcachefilter.h"
 #include "sprites/qpcxcachefilter.h"
 #include "sprites/qsprites.h"
@@ -61,7 +61,7 @@ QByteArray version2(int sprites, bool tableLast, int damaged)
     h.tdataOffset = h.ldataOffset + h.ldataLength;
     QByteArray file;
     Sff::ByteWriter fw(file);
-    h.write(fw, Sff::Version201);
+    h.write(fw, QSffVersion::V201);
     Sff::V2PaletteNode pn;
     pn.length = 1024;
     pn.write(fw);
@@ -120,7 +120,7 @@ void load(benchmark::State &state, const QByteArray &bytes)
         {
             QMessages messages;
             QSprites sprites;
-            sprites.messages = &messages;
+            sprites.setMessages(&messages);
             // The heap is sampled at every progress step of the load.
             QObject::connect(&sprites, &QSprites::progress, [&](uint, uint, bool &) {
                 peak = std::max(peak, heap());
@@ -132,7 +132,6 @@ void load(benchmark::State &state, const QByteArray &bytes)
             count = sprites.count();
         }
         state.PauseTiming();
-        QSpriteCache::purge();
         state.ResumeTiming();
     }
     state.counters["file_kb"] = double(bytes.size()) / 1024;

@@ -19,7 +19,7 @@ constexpr int Sprites = 20000;
 void build(QSprites &s, quint32 seed)
 {
     QRandomGenerator rng(seed);
-    s.undoEnabled = false;
+    s.setUndoEnabled(false);
     for (int p = 0; p < 8; ++p) {
         QRGBPal pal;
         pal[1].r = quint8(p);
@@ -28,7 +28,7 @@ void build(QSprites &s, quint32 seed)
     const QByteArray pixels(16 * 16, '\x01');
     for (int k = 0; k < Sprites; ++k) {
         s.add();
-        QSpriteItem *it = s.sprites[k];
+        QSpriteItem *it = s.item(k);
         it->info.group = quint16(rng.bounded(k % 50 == 0 ? 9001 : 200));
         if (it->info.group > 200)
             it->info.group = 9000;
@@ -40,10 +40,10 @@ void build(QSprites &s, quint32 seed)
             it->info.link = quint16(s.rootOf(int(rng.bounded(k))));
         } else {
             it->info.hasImage = true;
-            it->cacheId = s.cache.add(pixels, true);
+            it->cacheId = s.cache().add(pixels, true);
         }
     }
-    s.undoEnabled = true;
+    s.setUndoEnabled(true);
 }
 
 int position(int where, int count)
@@ -61,9 +61,9 @@ void BM_Move(benchmark::State &state)
     for (auto _ : state) {
         s.move(from, to);
         s.move(to, from);
-        if (s.undoStack.count() > 20000) {
+        if (s.undoStack()->count() > 20000) {
             state.PauseTiming();
-            s.undoStack.clear();
+            s.undoStack()->clear();
             state.ResumeTiming();
         }
     }
@@ -81,7 +81,7 @@ void BM_RemoveThenUndo(benchmark::State &state)
     const quint64 decodes = QSpriteCache::decodeCount();
     for (auto _ : state) {
         s.remove(position(int(state.range(0)), s.count()));
-        s.undoStack.undo();
+        s.undoStack()->undo();
     }
     state.counters["decodes"] = double(QSpriteCache::decodeCount() - decodes);
     state.SetItemsProcessed(state.iterations());
@@ -113,11 +113,9 @@ int main(int argc, char **argv)
 {
     QCoreApplication app(argc, argv);
     QBFCacheFilter::createFilters();
-    QSpriteCache::createUndoCache();
     benchmark::Initialize(&argc, argv);
     benchmark::RunSpecifiedBenchmarks();
     benchmark::Shutdown();
-    QSpriteCache::destroyUndoCache();
     QBFCacheFilter::destroyFilters();
     return 0;
 }

@@ -5,11 +5,11 @@
 #include "console.h"
 #include "animations/airformat.h"
 #include "animations/qanimations.h"
-#include "core/qdefanimations.h"
+#include "base/qmessages.h"
 #include "code/qtextencoding.h"
-#include "core/qanimationsfile.h"
-#include "core/qmessages.h"
-#include "core/qproject.h"
+#include "project/qanimationsfile.h"
+#include "project/qdefanimations.h"
+#include "project/qproject.h"
 
 #include <QDir>
 #include <QFile>

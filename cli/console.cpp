@@ -1,6 +1,6 @@
 #include "console.h"
 
-#include "core/qmessages.h"
+#include "base/qmessages.h"
 
 #include <QJsonDocument>
 #include <QRegularExpression>

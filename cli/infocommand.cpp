@@ -4,7 +4,7 @@
 #include "console.h"
 #include "filekind.h"
 #include "projectreport.h"
-#include "core/qproject.h"
+#include "project/qproject.h"
 
 #include <QDir>
 #include <QFileInfo>

@@ -1,7 +1,7 @@
 #include "issuesjson.h"
 
 #include "console.h"
-#include "core/qmessages.h"
+#include "base/qmessages.h"
 
 #include <QJsonObject>
 

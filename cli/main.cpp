@@ -10,6 +10,10 @@
 #include "usage.h"
 
 #include <QCoreApplication>
+#include <QGuiApplication>
+#include <QLoggingCategory>
+
+#include <memory>
 
 static ExitCode dispatch(const QStringList &words)
 {
@@ -41,7 +45,16 @@ static ExitCode dispatch(const QStringList &words)
 
 int main(int argc, char **argv)
 {
-    QCoreApplication app(argc, argv);
+    // Drawing text needs fonts, and fonts need the GUI application; no display
+    // is used, so it runs on the offscreen platform unless told otherwise.
+    const bool draws = argc > 2 && qstrcmp(argv[1], "sprites") == 0 && qstrcmp(argv[2], "render") == 0;
+    if (draws && !qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    // The platform's own notes (a missing runtime folder and the like) are not
+    // the tool's: standard error carries only what the command reports.
+    if (draws)
+        QLoggingCategory::setFilterRules(QStringLiteral("*.warning=false\n*.info=false"));
+    std::unique_ptr<QCoreApplication> app(draws ? new QGuiApplication(argc, argv) : new QCoreApplication(argc, argv));
     QCoreApplication::setApplicationName(QStringLiteral("brawlforge-cli"));
     QCoreApplication::setApplicationVersion(QStringLiteral(BF_CLI_VERSION));
     return toInt(dispatch(QCoreApplication::arguments().mid(1)));

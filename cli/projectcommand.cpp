@@ -6,7 +6,7 @@
 #include "issuesjson.h"
 #include "progressmeter.h"
 #include "projectreport.h"
-#include "core/qproject.h"
+#include "project/qproject.h"
 
 #include <QFileInfo>
 #include <QJsonArray>
@@ -58,7 +58,7 @@ QList<SlotLine> slotsOf(QProject &project)
     out.append({QStringLiteral("definitions"), project.definitions()->fileName(), lineCount(project.definitions()),
                 QStringLiteral("lines")});
     QSprites *sprites = project.sprites();
-    out.append({QStringLiteral("sprites"), sprites->fileName, sprites->count(), QStringLiteral("sprites")});
+    out.append({QStringLiteral("sprites"), sprites->fileName(), sprites->count(), QStringLiteral("sprites")});
     out.append({QStringLiteral("palettes"), QString(), sprites->paletteCount(), QStringLiteral("palettes")});
     if (project.type() == QProjectType::Font)
         return out;

@@ -1,6 +1,6 @@
 #include "projectreport.h"
 
-#include "core/qproject.h"
+#include "project/qproject.h"
 
 #include <QFileInfo>
 

@@ -9,7 +9,7 @@
 SpriteFile::SpriteFile()
     : m_store(QSpriteCache::Memory, true)
 {
-    m_store.messages = &m_messages;
+    m_store.setMessages(&m_messages);
     // What the program shows in a box is, for the tool, one more error line
     // (the reader puts its own in the issue list too: don't say it twice).
     QObject::connect(&m_store, &QSprites::fileError, &m_store, [this](const QString &, const QString &text) {
@@ -17,20 +17,6 @@ SpriteFile::SpriteFile()
         if (said.isEmpty() || said.last().text != text)
             m_messages.addError(text);
     });
-}
-
-QString SpriteFile::versionName(quint32 version)
-{
-    return QStringLiteral("%1.%2%3").arg(version >> 24).arg((version >> 16) & 0xFF).arg((version >> 8) & 0xFF);
-}
-
-QString SpriteFile::versionDotted(quint32 version)
-{
-    return QStringLiteral("%1.%2.%3.%4")
-        .arg(version >> 24)
-        .arg((version >> 16) & 0xFF)
-        .arg((version >> 8) & 0xFF)
-        .arg(version & 0xFF);
 }
 
 QString SpriteFile::oversizedSprites() const

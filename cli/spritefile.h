@@ -1,6 +1,7 @@
 #pragma once
 
-#include "core/qmessages.h"
+#include "base/qmessages.h"
+#include "sprites/qsffversion.h"
 #include "sprites/qsprites.h"
 
 #include <QString>
@@ -33,11 +34,6 @@ public:
     // The sprites whose size passes that bound, as "index (group,number: WxH)",
     // comma-separated; empty if none.
     QString oversizedSprites() const;
-
-    // "1.01", "2.00", "2.01": the version as authors name it.
-    static QString versionName(quint32 version);
-    // "1.0.1.0": the four bytes of the version word.
-    static QString versionDotted(quint32 version);
 
 private:
     QMessages m_messages;

@@ -20,11 +20,13 @@ ExitCode run(const QStringList &words)
         return exportSprites(words.mid(1));
     if (sub == QLatin1String("convert"))
         return convert(words.mid(1));
+    if (sub == QLatin1String("render"))
+        return render(words.mid(1));
     if (sub.isEmpty() || sub.startsWith(QLatin1Char('-'))) {
         CommandStart start = startCommand(words, Usage::Topic::Sprites, {}, {});
         if (start.finished)
             return *start.finished;
-        return usageError(Usage::Topic::Sprites, QStringLiteral("missing command: export or convert"));
+        return usageError(Usage::Topic::Sprites, QStringLiteral("missing command: export, convert or render"));
     }
     return usageError(Usage::Topic::Sprites, QStringLiteral("unknown command 'sprites %1'").arg(sub));
 }
@@ -36,18 +38,8 @@ namespace SpritesCommand {
 // The versions a sprite file can be saved in, by the names authors use.
 static bool parseVersion(const QString &text, quint32 *version)
 {
-    static const struct { const char *name; const char *dotted; quint32 value; } known[] = {
-        {"1.01", "1.0.1.0", 0x01000100u},
-        {"2.00", "2.0.0.0", 0x02000000u},
-        {"2.01", "2.0.1.0", 0x02000100u},
-    };
-    for (const auto &k : known) {
-        if (text == QLatin1String(k.name) || text == QLatin1String(k.dotted)) {
-            *version = k.value;
-            return true;
-        }
-    }
-    return false;
+    *version = QSffVersion::fromName(text);
+    return *version != 0;
 }
 
 // Refuses, with the one line of the failure, a file that isn't a sprite file.
@@ -157,7 +149,7 @@ ExitCode convert(const QStringList &words)
         Console::err(QStringLiteral("%1(0): %2 sprites will show other colours in version %3: %4\n")
                          .arg(target.fileName())
                          .arg(changed.size())
-                         .arg(SpriteFile::versionName(version), names.join(QStringLiteral("; "))));
+                         .arg(QSffVersion::name(version), names.join(QStringLiteral("; "))));
         ++issues;
     }
     ProgressMeter meter(QStringLiteral("Saving %1").arg(target.fileName()));

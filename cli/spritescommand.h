@@ -4,9 +4,10 @@
 
 #include <QStringList>
 
-// brawlforge-cli sprites export|convert ...
+// brawlforge-cli sprites export|convert|render ...
 namespace SpritesCommand {
 ExitCode run(const QStringList &words);
 ExitCode exportSprites(const QStringList &words);
 ExitCode convert(const QStringList &words);
+ExitCode render(const QStringList &words);
 }

@@ -114,8 +114,8 @@ QJsonObject toJson(const SpriteFile &file, const QString &path)
     return QJsonObject{
         {QStringLiteral("file"), path},
         {QStringLiteral("kind"), QStringLiteral("sprites")},
-        {QStringLiteral("version"), SpriteFile::versionName(store.version)},
-        {QStringLiteral("versionWord"), SpriteFile::versionDotted(store.version)},
+        {QStringLiteral("version"), QSffVersion::name(store.version())},
+        {QStringLiteral("versionWord"), QSffVersion::dotted(store.version())},
         {QStringLiteral("spriteCount"), counts.sprites},
         {QStringLiteral("linkedCount"), counts.linked},
         {QStringLiteral("paletteCount"), counts.palettes},
@@ -133,7 +133,7 @@ QString toText(const SpriteFile &file, const QString &path)
     out += QStringLiteral("File:      %1\n").arg(path);
     out += QStringLiteral("Kind:      sprites (SFF)\n");
     out += QStringLiteral("Version:   %1 (%2)\n")
-               .arg(SpriteFile::versionName(store.version), SpriteFile::versionDotted(store.version));
+               .arg(QSffVersion::name(store.version()), QSffVersion::dotted(store.version()));
     out += QStringLiteral("Sprites:   %1\n").arg(counts.sprites);
     out += QStringLiteral("Linked:    %1\n").arg(counts.linked);
     out += QStringLiteral("Palettes:  %1\n").arg(counts.palettes);

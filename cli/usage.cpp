@@ -15,6 +15,7 @@ QString commandName(Topic topic)
     case Topic::Sprites: return QStringLiteral("brawlforge-cli sprites");
     case Topic::SpritesExport: return QStringLiteral("brawlforge-cli sprites export");
     case Topic::SpritesConvert: return QStringLiteral("brawlforge-cli sprites convert");
+    case Topic::SpritesRender: return QStringLiteral("brawlforge-cli sprites render");
     case Topic::Project: return QStringLiteral("brawlforge-cli project");
     case Topic::ProjectInfo: return QStringLiteral("brawlforge-cli project info");
     case Topic::Animations: return QStringLiteral("brawlforge-cli animations");
@@ -50,6 +51,8 @@ QString text(Topic topic)
             "                                            one PNG per sprite, and sprites.txt\n"
             "  sprites convert IN.sff OUT.sff --to 1.01|2.00|2.01 [--character]\n"
             "                                            saves a sprite file in another version\n"
+            "  sprites render FILE.sff|FILE.def GROUP,NUMBER OUT.png [--palette G,N]\n"
+            "                 [--zoom Z] [--stage]          one sprite drawn as the stage draws it\n"
             "  project info FILE.def [--json]            opens a project as the program does\n"
             "                                            and lists its files and issues\n"
             "  animations info FILE.air|FILE.def [--json]\n"
@@ -81,9 +84,11 @@ QString text(Topic topic)
         body = QStringLiteral(
             "Usage: brawlforge-cli sprites export FILE.sff OUTDIR [--character]\n"
             "       brawlforge-cli sprites convert IN.sff OUT.sff --to 1.01|2.00|2.01 [--character]\n"
+            "       brawlforge-cli sprites render FILE.sff|FILE.def GROUP,NUMBER OUT.png [--palette G,N]\n"
+            "                                     [--zoom Z] [--stage]\n"
             "\n"
-            "See 'brawlforge-cli sprites export --help' and\n"
-            "'brawlforge-cli sprites convert --help'.\n");
+            "See 'brawlforge-cli sprites export --help', 'brawlforge-cli sprites convert --help'\n"
+            "and 'brawlforge-cli sprites render --help'.\n");
         break;
     case Topic::SpritesExport:
         body = QStringLiteral(
@@ -119,6 +124,22 @@ QString text(Topic topic)
             "  --to VERSION   1.01 (M.U.G.E.N. Beta), 2.00 (M.U.G.E.N. 1.0) or\n"
             "                 2.01 (M.U.G.E.N. 1.1)\n"
             "  --character    load and save as a character's sprite file (shared palettes)\n");
+        break;
+    case Topic::SpritesRender:
+        body = QStringLiteral(
+            "Usage: brawlforge-cli sprites render FILE.sff|FILE.def GROUP,NUMBER OUT.png\n"
+            "                                     [--palette G,N] [--zoom Z] [--stage]\n"
+            "\n"
+            "Draws sprite GROUP,NUMBER with the program's own stage code into OUT.png\n"
+            "(RGBA). By default the sprite alone, on a transparent canvas of its own size\n"
+            "times the zoom, colour 0 transparent. A DEF opens its project first, so that\n"
+            "a character's sprites take the palette the program gives them.\n"
+            "\n"
+            "Options:\n"
+            "  --palette G,N  draw with palette group G, number N of the file\n"
+            "  --zoom Z       0.25, 0.5, 1 (the default), 2, 3, 4, 5, 6, 7 or 8\n"
+            "  --stage        the stage as the editor shows it: background, rulers and\n"
+            "                 the sprite cross, the axis in the middle\n");
         break;
     case Topic::Project:
         body = QStringLiteral(

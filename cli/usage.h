@@ -5,8 +5,8 @@
 // The help texts of the tool and of each command, and its version line.
 namespace Usage {
 
-enum class Topic { Tool, Info, Sprites, SpritesExport, SpritesConvert, Project, ProjectInfo, Animations, AnimationsInfo,
-                   AnimationsConvert };
+enum class Topic { Tool, Info, Sprites, SpritesExport, SpritesConvert, SpritesRender, Project, ProjectInfo, Animations,
+                   AnimationsInfo, AnimationsConvert };
 
 QString text(Topic topic);
 QString versionLine();

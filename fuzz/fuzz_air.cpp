@@ -6,8 +6,8 @@
 #include "animations/airformat.h"
 #include "animations/qanimationparser.h"
 #include "animations/qanimations.h"
-#include "core/qdefanimations.h"
-#include "core/qmessages.h"
+#include "base/qmessages.h"
+#include "project/qdefanimations.h"
 
 #include <QByteArray>
 #include <QtGlobal>

@@ -1,5 +1,5 @@
 // Feeds arbitrary bytes to the bug-report package reader.
-#include "core/qbugreport.h"
+#include "base/qbugreport.h"
 
 #include <QBuffer>
 #include <QtGlobal>

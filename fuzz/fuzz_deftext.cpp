@@ -1,6 +1,6 @@
 // Text of any encoding through detection, decoding, the tokenizer and the
 // section outline: none of it may crash, hang or read out of bounds.
-#include "animations/airlexer.h"
+#include "base/airlexer.h"
 #include "code/qmugensyntaxhierarchy.h"
 #include "code/qtextencoding.h"
 

@@ -1,7 +1,7 @@
 // Feeds arbitrary bytes to the sprite-file loader as a file, then looks at
 // every sprite it kept and writes the store out again, so that the readers,
 // the codecs behind them and the writer all see damaged input.
-#include "core/qmessages.h"
+#include "base/qmessages.h"
 #include "sprites/qbfcachefilter.h"
 #include "sprites/qsprites.h"
 
@@ -38,7 +38,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 
     QMessages messages;
     QSprites sprites;
-    sprites.messages = &messages;
+    sprites.setMessages(&messages);
     const bool isCharacter = size > 20 && (data[20] & 1);
     if (!sprites.fromFile(in, isCharacter, false))
         return 0;
@@ -59,7 +59,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     const QString out = dir.filePath("out.sff");
     if (sprites.toFile(out, isCharacter, versions[size % 3], false, true)) {
         QSprites again;
-        again.messages = &messages;
+        again.setMessages(&messages);
         again.fromFile(out, isCharacter, false);
     }
     return 0;

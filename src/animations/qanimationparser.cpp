@@ -1,6 +1,6 @@
 #include "qanimationparser.h"
 
-#include "core/qmessages.h"
+#include "base/qmessages.h"
 
 #include <QHash>
 #include <QRegularExpression>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "airlexer.h"
+#include "base/airlexer.h"
 #include "animrecords.h"
 
 #include <QList>

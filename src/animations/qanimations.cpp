@@ -1,7 +1,7 @@
 #include "qanimations.h"
 
 #include "airformat.h"
-#include "core/qmessages.h"
+#include "base/qmessages.h"
 #include "qanimationparser.h"
 
 #include <QClipboard>

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "animrecords.h"
-#include "core/qbugreport.h"
-#include "core/qorganizableobject.h"
+#include "base/qbugreport.h"
+#include "base/qorganizableobject.h"
 
 #include <QByteArray>
 #include <QList>

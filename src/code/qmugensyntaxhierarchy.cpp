@@ -1,6 +1,6 @@
 #include "qmugensyntaxhierarchy.h"
 
-#include "animations/airlexer.h"
+#include "base/airlexer.h"
 
 namespace {
 

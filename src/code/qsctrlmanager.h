@@ -1,26 +1,14 @@
 #pragma once
 
-#include <QAbstractListModel>
-#include <QStringList>
+#include "base/qentryfolder.h"
 
-// The library of ready-made state controllers: the names of the .sctrl files
-// beside the program, for the wizards' list.
-class QSCtrlManager : public QAbstractListModel
+// The library of ready-made state controllers: the .sctrl files of the data
+// folders, by name, for the wizards' list.
+class QSCtrlManager : public QEntryFolder
 {
     Q_OBJECT
 
 public:
-    explicit QSCtrlManager(const QString &folder, QObject *parent = nullptr);
+    explicit QSCtrlManager(const QStringList &folders, QObject *parent = nullptr);
     ~QSCtrlManager() override;
-
-    int rowCount(const QModelIndex &parent = QModelIndex()) const override;
-    QVariant data(const QModelIndex &index, int role = Qt::DisplayRole) const override;
-
-    QStringList names() const { return m_names; }
-    QString folder() const { return m_folder; }
-    void refresh();
-
-private:
-    QString m_folder;
-    QStringList m_names;
 };

@@ -1,6 +1,6 @@
 #include "syntaxformats.h"
 
-#include "core/qlifecyclelog.h"
+#include "base/qlifecyclelog.h"
 
 namespace {
 const char *const names[SyntaxFormats::Count] = {"comment", "number",     "string",

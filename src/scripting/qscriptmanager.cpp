@@ -1,6 +1,6 @@
 #include "qscriptmanager.h"
 
-#include "core/qlifecyclelog.h"
+#include "base/qlifecyclelog.h"
 
 #include <QDir>
 #include <QFile>
@@ -117,6 +117,28 @@ bool QScriptManager::loadText(const QString &text)
         return false;
     const QByteArray bytes = text.toUtf8();
     return run(luaL_loadbuffer(m_state, bytes.constData(), size_t(bytes.size()), "script"));
+}
+
+bool QScriptManager::runTool(const QString &name)
+{
+    if (!load(QStringLiteral("tool/") + name + QStringLiteral(".lua")))
+        return false;
+    lua_getglobal(m_state, "main");
+    return lua_pcall(m_state, 0, 0, 0) == 0;
+}
+
+bool QScriptManager::runTemplate(const QString &name, QProject *project, bool *keep)
+{
+    *keep = false;
+    if (!load(QStringLiteral("project/") + name + QStringLiteral(".lua")))
+        return false;
+    lua_getglobal(m_state, "template");
+    lua_pushlightuserdata(m_state, project);
+    if (lua_pcall(m_state, 1, 1, 0) != 0)
+        return false;
+    *keep = lua_toboolean(m_state, -1) != 0;
+    lua_pop(m_state, 1);
+    return true;
 }
 
 void QScriptManager::close()

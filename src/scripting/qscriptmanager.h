@@ -4,6 +4,7 @@
 #include <QObject>
 #include <QString>
 
+class QProject;
 struct lua_State;
 
 // The one place where Lua runs. Scripts lie in category folders ("common",
@@ -26,6 +27,14 @@ public:
     // Runs script text held in memory.
     bool loadText(const QString &text);
     void close();
+
+    // Runs the tool script "tool/<name>.lua" and its function "main". False on
+    // a Lua error, whose text errorMessage() then holds until close().
+    bool runTool(const QString &name);
+    // Runs the project template "project/<name>.lua": its function "template"
+    // gets the new project and answers whether to keep it (*keep). False on a
+    // Lua error, as above.
+    bool runTemplate(const QString &name, QProject *project, bool *keep);
 
     QString errorMessage() const;
     lua_State *state() const { return m_state; }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/qorganizableobject.h"
+#include "base/qorganizableobject.h"
 
 #include <QString>
 

@@ -12,153 +12,12 @@
 #include <vector>
 
 #include "sprites/qbfcachefilter.h"
+#include "sprites/qspriterecordpool.h"
+
+using namespace QSpriteRecords;
 
 namespace {
 
-// Records of all caches, reused so that loading and closing projects with
-// thousands of sprites doesn't churn the allocator. Records are made in
-// chunks, and a handle is a record's place in the pool (plus one, so that 0
-// names nothing) with a generation count on top: finding an entry is an
-// array lookup, and no cache needs a table of its own.
-constexpr int IndexBits = 22;
-constexpr quint32 IndexMask = (1u << IndexBits) - 1;
-constexpr int ChunkBits = 10;
-constexpr quint32 ChunkSize = 1u << ChunkBits;
-constexpr quint32 MaxChunks = (1u << IndexBits) / ChunkSize;
-// The last place would make a handle with an empty place part.
-constexpr quint32 MaxRecords = MaxChunks * ChunkSize - 1;
-
-struct RecordPool
-{
-    QRecursiveMutex lock;
-    // Written under the lock, read without it by the caches' lookups.
-    std::atomic<QCacheEntry *> chunks[MaxChunks] = {};
-    quint16 carved[MaxChunks] = {};  // records handed out of each chunk so far
-    quint32 epoch[MaxChunks] = {};   // first generation of a chunk made again
-    std::vector<quint32> free;       // places of the free records
-    quint32 carvedTotal = 0;
-    quint32 cursor = 0;              // no chunk below it has room left
-
-    ~RecordPool()
-    {
-        for (auto &c : chunks)
-            delete[] c.load(std::memory_order_relaxed);
-    }
-
-    QCacheEntry *at(quint32 place) const
-    {
-        if (place >= MaxRecords)
-            return nullptr;
-        QCacheEntry *chunk = chunks[place >> ChunkBits].load(std::memory_order_acquire);
-        return chunk ? chunk + (place & (ChunkSize - 1)) : nullptr;
-    }
-
-    // Under the lock. False when the pool is full.
-    bool carve(quint32 &place)
-    {
-        while (cursor < MaxChunks) {
-            QCacheEntry *chunk = chunks[cursor].load(std::memory_order_relaxed);
-            if (!chunk) {
-                chunk = new QCacheEntry[ChunkSize];
-                for (quint32 k = 0; k < ChunkSize; ++k)
-                    chunk[k].id = epoch[cursor] << IndexBits;
-                chunks[cursor].store(chunk, std::memory_order_release);
-                carved[cursor] = 0;
-            }
-            if (carved[cursor] < ChunkSize) {
-                place = cursor * ChunkSize + carved[cursor];
-                if (place >= MaxRecords)
-                    return false;
-                ++carved[cursor];
-                ++carvedTotal;
-                return true;
-            }
-            ++cursor;
-        }
-        return false;
-    }
-
-    // Takes up to `count` records and gives each its next handle, written to
-    // `ids`. Returns how many it took (fewer only when the pool is full).
-    qsizetype take(quint32 *ids, qsizetype count)
-    {
-        QMutexLocker locker(&lock);
-        for (qsizetype i = 0; i < count; ++i) {
-            quint32 place;
-            if (!free.empty()) {
-                place = free.back();
-                free.pop_back();
-            } else if (!carve(place)) {
-                return i;
-            }
-            QCacheEntry *e = at(place);
-            const quint32 generation = (e->id >> IndexBits) + 1;
-            e->id = (generation << IndexBits) | (place + 1);
-            ids[i] = e->id;
-        }
-        return count;
-    }
-
-    QCacheEntry *take()
-    {
-        quint32 id = 0;
-        return take(&id, 1) == 1 ? at((id & IndexMask) - 1) : nullptr;
-    }
-
-    // The records must have been reset.
-    void release(const quint32 *ids, qsizetype count)
-    {
-        QMutexLocker locker(&lock);
-        for (qsizetype i = 0; i < count; ++i)
-            free.push_back((ids[i] & IndexMask) - 1);
-    }
-
-    // Deletes every chunk whose records are all free; a chunk with a record
-    // in use keeps its free ones for the next takes.
-    void purge()
-    {
-        QMutexLocker locker(&lock);
-        if (free.empty())
-            return;
-        std::vector<quint16> freeIn(MaxChunks, 0);
-        for (quint32 place : free)
-            ++freeIn[place >> ChunkBits];
-        bool any = false;
-        for (quint32 c = 0; c < MaxChunks; ++c) {
-            if (carved[c] == 0 || freeIn[c] != carved[c])
-                continue;
-            QCacheEntry *chunk = chunks[c].exchange(nullptr, std::memory_order_acq_rel);
-            // A chunk made here again goes on counting where this one stopped.
-            quint32 top = epoch[c];
-            for (quint32 k = 0; k < ChunkSize; ++k)
-                top = std::max(top, chunk[k].id >> IndexBits);
-            epoch[c] = top + 1;
-            delete[] chunk;
-            carvedTotal -= carved[c];
-            carved[c] = 0;
-            freeIn[c] = 0xFFFF; // marks the chunk as gone
-            cursor = std::min(cursor, c);
-            any = true;
-        }
-        if (any)
-            std::erase_if(free, [&freeIn](quint32 place) { return freeIn[place >> ChunkBits] == 0xFFFF; });
-    }
-};
-
-RecordPool &pool()
-{
-    static RecordPool p;
-    return p;
-}
-
-// The pool is touched first so that it outlives the undo cache at exit.
-std::unique_ptr<QSpriteCache> &undoHolder()
-{
-    static RecordPool &keepAlive = pool();
-    Q_UNUSED(keepAlive);
-    static std::unique_ptr<QSpriteCache> holder;
-    return holder;
-}
 
 
 // qUncompress of bytes that weren't compressed by us: the 4-byte size header
@@ -177,10 +36,14 @@ QByteArray uncompressEntry(const QByteArray &data, quint32 originalSize)
 
 } // namespace
 
-QSpriteCache::QSpriteCache(const QString &stem, int mode, bool compress, int level)
+QSpriteCache::QSpriteCache(const QString &stem, int mode, bool compress, int level, QSpriteRecordPool *pool)
     : m_stem(stem)
 {
-    pool();
+    if (!pool) {
+        m_ownPool = std::make_unique<QSpriteRecordPool>();
+        pool = m_ownPool.get();
+    }
+    m_pool = pool;
     configure(mode, compress, level);
 }
 
@@ -189,7 +52,7 @@ QSpriteCache::~QSpriteCache()
     clear();
     if (m_fileOpen)
         m_file.close();
-    purge();
+    m_pool->purge();
 }
 
 void QSpriteCache::configure(int mode, bool compress, int level)
@@ -215,7 +78,7 @@ QCacheEntry *QSpriteCache::entry(quint32 id) const
     const quint32 place = id & IndexMask;
     if (place == 0)
         return nullptr;
-    QCacheEntry *e = pool().at(place - 1);
+    QCacheEntry *e = m_pool->at(place - 1);
     if (!e || e->id != id || e->slot >= m_ids.size() || m_ids[e->slot] != id)
         return nullptr;
     return e;
@@ -251,7 +114,7 @@ void QSpriteCache::store(QCacheEntry &e, const QByteArray &bytes, bool compressI
 
 quint32 QSpriteCache::add(const QByteArray &bytes, bool compressIt)
 {
-    QCacheEntry *e = pool().take();
+    QCacheEntry *e = m_pool->take();
     if (!e)
         return 0; // millions of items: the pool is full
     store(*e, bytes, compressIt);
@@ -263,7 +126,7 @@ void QSpriteCache::addSlices(const QByteArray &block, const Slice *slices, qsize
 {
     if (count <= 0)
         return;
-    RecordPool &p = pool();
+    QSpriteRecordPool &p = *m_pool;
     const qsizetype taken = p.take(ids, count);
     std::fill(ids + taken, ids + count, 0u);
     m_ids.reserve(m_ids.size() + size_t(taken));
@@ -334,7 +197,7 @@ quint32 QSpriteCache::copyEntry(const QSpriteCache &from, quint32 fromId)
 {
     if (!from.entry(fromId))
         return 0;
-    QCacheEntry *e = pool().take();
+    QCacheEntry *e = m_pool->take();
     if (!e)
         return 0;
     copyStored(*e, from, fromId);
@@ -398,16 +261,16 @@ bool QSpriteCache::remove(quint32 id)
     // The last handle takes the freed slot.
     const quint32 last = m_ids.back();
     m_ids[e->slot] = last;
-    pool().at((last & IndexMask) - 1)->slot = e->slot;
+    m_pool->at((last & IndexMask) - 1)->slot = e->slot;
     m_ids.pop_back();
     e->reset();
-    pool().release(&id, 1);
+    m_pool->release(&id, 1);
     return true;
 }
 
 void QSpriteCache::clear()
 {
-    RecordPool &p = pool();
+    QSpriteRecordPool &p = *m_pool;
     // Slices of one block follow each other: their references to it are
     // handed back with one atomic operation per run, the run's first entry
     // keeping the block alive until the count is settled.
@@ -468,7 +331,7 @@ quint64 QSpriteCache::storedTotal() const
 {
     quint64 total = 0;
     for (quint32 id : m_ids)
-        total += pool().at((id & IndexMask) - 1)->storedSize;
+        total += m_pool->at((id & IndexMask) - 1)->storedSize;
     return total;
 }
 
@@ -476,7 +339,7 @@ quint64 QSpriteCache::originalTotal() const
 {
     quint64 total = 0;
     for (quint32 id : m_ids)
-        total += pool().at((id & IndexMask) - 1)->originalSize;
+        total += m_pool->at((id & IndexMask) - 1)->originalSize;
     return total;
 }
 
@@ -490,39 +353,3 @@ QString QSpriteCache::fileName() const
     return m_fileOpen ? m_file.fileName() : QString();
 }
 
-void QSpriteCache::purge()
-{
-    pool().purge();
-}
-
-int QSpriteCache::poolSize()
-{
-    RecordPool &p = pool();
-    QMutexLocker locker(&p.lock);
-    return int(p.carvedTotal);
-}
-
-int QSpriteCache::poolFree()
-{
-    RecordPool &p = pool();
-    QMutexLocker locker(&p.lock);
-    return int(p.free.size());
-}
-
-QSpriteCache *QSpriteCache::createUndoCache()
-{
-    auto &holder = undoHolder();
-    if (!holder)
-        holder = std::make_unique<QSpriteCache>(QStringLiteral("sprUndo"), TemporaryFile, true, -1);
-    return holder.get();
-}
-
-QSpriteCache *QSpriteCache::undoCache()
-{
-    return undoHolder().get();
-}
-
-void QSpriteCache::destroyUndoCache()
-{
-    undoHolder().reset();
-}

@@ -4,12 +4,14 @@
 #include <QByteArrayView>
 #include <QString>
 #include <QTemporaryFile>
+#include <memory>
 #include <vector>
 
 #include "sprites/qcacheentry.h"
 #include "sprites/qspritesize.h"
 
 class QBFCacheFilter;
+class QSpriteRecordPool;
 
 // Process-wide pooled byte store for sprite pixels and sound samples. Items
 // are kept in the form they came in (usually compressed by a codec) and are
@@ -28,8 +30,10 @@ public:
 
     // `stem` names the temporary file (in QDir::tempPath()). If the file can't
     // be opened the cache quietly works in memory.
+    // `pool` holds the records of the entries; without one the cache keeps
+    // its own.
     explicit QSpriteCache(const QString &stem = QStringLiteral("mugenspr"), int mode = Memory,
-                          bool compress = true, int level = -1);
+                          bool compress = true, int level = -1, QSpriteRecordPool *pool = nullptr);
     ~QSpriteCache();
     QSpriteCache(const QSpriteCache &) = delete;
     QSpriteCache &operator=(const QSpriteCache &) = delete;
@@ -92,17 +96,7 @@ public:
     // operation never looked at image data.
     static quint64 decodeCount();
 
-    // Deletes the free records of the pool (when a cache dies or a project closes).
-    static void purge();
-    // Records in the pool, and how many of them are free.
-    static int poolSize();
-    static int poolFree();
-
-    // The process-wide cache for undo images: stem "sprUndo", temporary file,
-    // compression on, level -1. Created at start-up, destroyed at exit.
-    static QSpriteCache *createUndoCache();
-    static QSpriteCache *undoCache();
-    static void destroyUndoCache();
+    QSpriteRecordPool *recordPool() const { return m_pool; }
 
 private:
     QCacheEntry *entry(quint32 id) const;
@@ -111,6 +105,8 @@ private:
     void store(QCacheEntry &e, const QByteArray &bytes, bool compressIt);
     bool copyStored(QCacheEntry &e, const QSpriteCache &from, quint32 fromId);
 
+    QSpriteRecordPool *m_pool = nullptr;
+    std::unique_ptr<QSpriteRecordPool> m_ownPool;
     int m_mode = Memory;
     bool m_compress = true;
     int m_level = -1;

@@ -2,7 +2,10 @@
 
 #include <QImage>
 #include <QtGlobal>
+#include <QMutex>
 #include <cstddef>
+#include <memory>
+#include <vector>
 
 #include "sprites/qspritesize.h"
 
@@ -47,12 +50,6 @@ struct QSpriteItem
     quint16 filter = 0;
     // Cache handle; 0 for a linked or empty sprite.
     quint32 cacheId = 0;
-    // Scratch of the file layer: position in the data block while loading and
-    // saving; while preparing a version 1 save, the same-palette flag.
-    quint32 offset = 0;
-    // Scratch of the file layer: SFF format code and stored byte count.
-    quint32 format = 0;
-    quint32 size = 0;
     QSpriteInfo info;
     // A link carries a copy of its target's size and format.
     quint16 width = 0;
@@ -68,13 +65,39 @@ struct QSpriteItem
         imageFormat = s.imageFormat;
     }
     bool isLink() const { return !info.hasImage; }
+};
 
-    // Records come from a process-wide pool: a file of thousands of sprites
-    // then costs a few chunk allocations instead of one per sprite, and
-    // closing it none. `new` and `delete` work as usual.
-    static void *operator new(std::size_t size);
-    static void operator delete(void *p, std::size_t size) noexcept;
-    // Makes `count` default records, or ends them, with one lock for all.
-    static void createMany(QSpriteItem **out, qsizetype count);
-    static void destroyMany(QSpriteItem *const *items, qsizetype count);
+// Storage for the sprite records of one store: chunks of records reused as
+// sprites come and go, so that a file of thousands of sprites costs a few
+// allocations instead of one per sprite. The chunks go with the store.
+class QSpriteItemPool
+{
+public:
+    QSpriteItemPool() = default;
+    QSpriteItemPool(const QSpriteItemPool &) = delete;
+    QSpriteItemPool &operator=(const QSpriteItemPool &) = delete;
+
+    QSpriteItem *create();
+    void destroy(QSpriteItem *item);
+    // `count` default records, or their end, with one lock for all.
+    void createMany(QSpriteItem **out, qsizetype count);
+    void destroyMany(QSpriteItem *const *items, qsizetype count);
+
+    // Records made so far, and how many of them are free.
+    qsizetype size() const;
+    qsizetype freeCount() const;
+
+private:
+    struct alignas(QSpriteItem) Slot
+    {
+        unsigned char bytes[sizeof(QSpriteItem)];
+    };
+    static constexpr qsizetype ChunkSize = 1024;
+
+    void *take();
+
+    mutable QMutex m_lock;
+    std::vector<std::unique_ptr<Slot[]>> m_chunks;
+    qsizetype m_used = 0;
+    std::vector<void *> m_free;
 };

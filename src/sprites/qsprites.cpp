@@ -53,14 +53,14 @@ public:
     ~LazyMacro()
     {
         if (m_open)
-            m_s->undoStack.endMacro();
+            m_s->undoStack()->endMacro();
     }
     LazyMacro(const LazyMacro &) = delete;
     LazyMacro &operator=(const LazyMacro &) = delete;
     void open()
     {
-        if (!m_open && m_s->undoEnabled) {
-            m_s->undoStack.beginMacro(m_text);
+        if (!m_open && m_s->undoEnabled()) {
+            m_s->undoStack()->beginMacro(m_text);
             m_open = true;
         }
     }
@@ -73,43 +73,59 @@ private:
 
 } // namespace
 
-QSprites::QSprites(int cacheMode, bool cacheCompression, QObject *parent)
+QSprites::QSprites(int cacheMode, bool cacheCompression, QSpriteRecordPool *records, QObject *parent)
     : QOrganizableObject(parent),
-      cache(QStringLiteral("mugenspr"), cacheMode, cacheCompression, -1),
-      paletteObject(this)
+      m_cache(QStringLiteral("mugenspr"), cacheMode, cacheCompression, -1, records),
+      m_paletteObject(this)
 {
     QBFCacheFilter::createFilters();
 }
 
 QSprites::~QSprites()
 {
-    // Commands hold handles in the shared undo cache: let them go first.
-    undoStack.clear();
-    qDeleteAll(sprites);
-    sprites.clear();
+    // Commands hold handles in the undo cache: let them go first.
+    m_undoStack.clear();
+    m_itemPool.destroyMany(m_sprites.constData(), m_sprites.size());
+    m_sprites.clear();
+}
+
+void QSprites::clearContent()
+{
+    const QString file = m_fileName;
+    clear();
+    m_fileName = file;
+}
+
+QSpriteCache *QSprites::undoCache()
+{
+    if (m_undoCache)
+        return m_undoCache;
+    if (!m_ownUndoCache)
+        m_ownUndoCache = std::make_unique<QSpriteCache>(QStringLiteral("sprUndo"), QSpriteCache::TemporaryFile, true, -1);
+    return m_ownUndoCache.get();
 }
 
 int QSprites::rowCount(const QModelIndex &parent) const
 {
-    return parent.isValid() ? 0 : int(sprites.size());
+    return parent.isValid() ? 0 : int(m_sprites.size());
 }
 
 QVariant QSprites::data(const QModelIndex &mi, int role) const
 {
     if (role != Qt::DisplayRole || !mi.isValid() || mi.column() != 0 || !validIndex(mi.row()))
         return QVariant();
-    const QSpriteInfo &i = sprites[mi.row()]->info;
+    const QSpriteInfo &i = m_sprites[mi.row()]->info;
     return QStringLiteral("%1, %2").arg(i.group).arg(i.number);
 }
 
 QSpriteItem *QSprites::item(int i) const
 {
-    return validIndex(i) ? sprites[i] : nullptr;
+    return validIndex(i) ? m_sprites[i] : nullptr;
 }
 
 void QSprites::touch()
 {
-    modified = true;
+    m_modified = true;
     emit changed();
 }
 
@@ -124,21 +140,21 @@ void QSprites::rowChanged(int i)
 void QSprites::insertRecord(int i)
 {
     beginInsertRows(QModelIndex(), i, i);
-    sprites.insert(i, new QSpriteItem);
+    m_sprites.insert(i, m_itemPool.create());
     endInsertRows();
 }
 
 void QSprites::deleteRecord(int i)
 {
     beginRemoveRows(QModelIndex(), i, i);
-    delete sprites.takeAt(i);
+    m_itemPool.destroy(m_sprites.takeAt(i));
     endRemoveRows();
 }
 
 void QSprites::moveRecord(int from, int to)
 {
     beginMoveRows(QModelIndex(), from, from, QModelIndex(), to >= from ? to + 1 : to);
-    sprites.move(from, to);
+    m_sprites.move(from, to);
     endMoveRows();
 }
 
@@ -156,12 +172,12 @@ void QSprites::insert(int i)
     i = std::min(i, count());
     insertRecord(i);
     for (int k = i + 1; k < count(); ++k) {
-        QSpriteInfo &s = sprites[k]->info;
+        QSpriteInfo &s = m_sprites[k]->info;
         if (!s.hasImage && s.link >= i)
             ++s.link;
     }
-    if (undoEnabled)
-        undoStack.push(new SpriteInsert(this, quint32(i), tr("Insert sprite")));
+    if (m_undoEnabled)
+        m_undoStack.push(new SpriteInsert(this, quint32(i), tr("Insert sprite")));
     touch();
 }
 
@@ -169,7 +185,7 @@ void QSprites::remove(int i)
 {
     if (!validIndex(i))
         return;
-    QSpriteItem *it = sprites[i];
+    QSpriteItem *it = m_sprites[i];
     const int n = count();
     const bool owner = it->info.hasImage;
 
@@ -177,7 +193,7 @@ void QSprites::remove(int i)
     int heir = -1;
     QList<SpriteRemove::Relinked> relinked;
     for (int k = i + 1; k < n; ++k) {
-        const QSpriteItem *s = sprites[k];
+        const QSpriteItem *s = m_sprites[k];
         if (!s->info.hasImage && s->info.link == i) {
             if (heir < 0 && owner)
                 heir = k;
@@ -185,7 +201,7 @@ void QSprites::remove(int i)
         }
     }
     if (heir >= 0) {
-        QSpriteItem *h = sprites[heir];
+        QSpriteItem *h = m_sprites[heir];
         h->cacheId = it->cacheId;
         h->filter = it->filter;
         h->setSpriteSize(it->spriteSize());
@@ -199,7 +215,7 @@ void QSprites::remove(int i)
     // exact outcome, so it is kept. A removed link hands its own target on.
     const quint16 newTarget = heir >= 0 ? quint16(heir) : (owner ? quint16(0xFFFF) : it->info.link);
     for (int k = i + 1; k < n; ++k) {
-        QSpriteInfo &s = sprites[k]->info;
+        QSpriteInfo &s = m_sprites[k]->info;
         if (s.hasImage)
             continue;
         if (s.link > i)
@@ -208,29 +224,29 @@ void QSprites::remove(int i)
             s.link = newTarget;
     }
 
-    SpriteRemove *cmd = undoEnabled ? new SpriteRemove(this, quint32(i), heir, relinked) : nullptr;
+    SpriteRemove *cmd = m_undoEnabled ? new SpriteRemove(this, quint32(i), heir, relinked) : nullptr;
     if (it->cacheId)
-        cache.remove(it->cacheId);
+        m_cache.remove(it->cacheId);
     deleteRecord(i);
     if (cmd)
-        undoStack.push(cmd);
+        m_undoStack.push(cmd);
     touch();
 }
 
 void QSprites::clear()
 {
     beginResetModel();
-    paletteObject.beginReset();
-    undoStack.clear();
-    QSpriteItem::destroyMany(sprites.constData(), sprites.size());
-    sprites.clear();
-    palettes.clear();
-    cache.clear();
-    fileName.clear();
-    index = 0;
-    paletteObject.endReset();
+    m_paletteObject.beginReset();
+    m_undoStack.clear();
+    m_itemPool.destroyMany(m_sprites.constData(), m_sprites.size());
+    m_sprites.clear();
+    m_palettes.clear();
+    m_cache.clear();
+    m_fileName.clear();
+    m_index = 0;
+    m_paletteObject.endReset();
     endResetModel();
-    modified = false;
+    m_modified = false;
     emit changed();
 }
 
@@ -240,12 +256,12 @@ void QSprites::move(int from, int to)
         return;
     moveRecord(from, to);
     const int n = count();
-    QSpriteItem *m = sprites[to];
+    QSpriteItem *m = m_sprites[to];
 
     if (from < to) {
         // Links keep showing the same sprites.
         for (int k = 0; k < n; ++k) {
-            QSpriteInfo &s = sprites[k]->info;
+            QSpriteInfo &s = m_sprites[k]->info;
             if (s.hasImage)
                 continue;
             if (s.link > from && s.link <= to)
@@ -257,14 +273,14 @@ void QSprites::move(int from, int to)
         if (m->info.hasImage) {
             int j = -1;
             for (int k = from; k < to; ++k) {
-                const QSpriteInfo &s = sprites[k]->info;
+                const QSpriteInfo &s = m_sprites[k]->info;
                 if (!s.hasImage && s.link == to) {
                     j = k;
                     break;
                 }
             }
             if (j >= 0) {
-                QSpriteItem *l = sprites[j];
+                QSpriteItem *l = m_sprites[j];
                 l->info.hasImage = true;
                 l->info.link = 0;
                 l->cacheId = m->cacheId;
@@ -273,7 +289,7 @@ void QSprites::move(int from, int to)
                 m->cacheId = 0;
                 m->info.link = quint16(j);
                 for (int k = j + 1; k < n; ++k) {
-                    QSpriteInfo &s = sprites[k]->info;
+                    QSpriteInfo &s = m_sprites[k]->info;
                     if (!s.hasImage && s.link == to)
                         s.link = quint16(j);
                 }
@@ -283,7 +299,7 @@ void QSprites::move(int from, int to)
         for (int k = 0; k < n; ++k) {
             if (k == to)
                 continue;
-            QSpriteInfo &s = sprites[k]->info;
+            QSpriteInfo &s = m_sprites[k]->info;
             if (s.hasImage)
                 continue;
             if (s.link >= to && s.link < from)
@@ -297,7 +313,7 @@ void QSprites::move(int from, int to)
             const int link = m->info.link;
             if (link >= to && link < from) {
                 const int t = link + 1;
-                QSpriteItem *target = sprites[t];
+                QSpriteItem *target = m_sprites[t];
                 if (target->info.hasImage) {
                     m->info.hasImage = true;
                     m->info.link = 0;
@@ -307,7 +323,7 @@ void QSprites::move(int from, int to)
                     target->cacheId = 0;
                     target->info.link = quint16(to);
                     for (int k = t + 1; k < n; ++k) {
-                        QSpriteInfo &s = sprites[k]->info;
+                        QSpriteInfo &s = m_sprites[k]->info;
                         if (!s.hasImage && s.link == t)
                             s.link = quint16(to);
                     }
@@ -317,16 +333,16 @@ void QSprites::move(int from, int to)
             }
         }
     }
-    if (undoEnabled)
-        undoStack.push(new SpriteMove(this, quint32(from), quint32(to)));
+    if (m_undoEnabled)
+        m_undoStack.push(new SpriteMove(this, quint32(from), quint32(to)));
     touch();
 }
 
 void QSprites::crop(int i)
 {
-    if (!validIndex(i) || !sprites[i]->info.hasImage || !sprites[i]->cacheId)
+    if (!validIndex(i) || !m_sprites[i]->info.hasImage || !m_sprites[i]->cacheId)
         return;
-    QSpriteItem *it = sprites[i];
+    QSpriteItem *it = m_sprites[i];
     const QImage img = it->spriteSize().toImage(decodeOwn(i));
     if (img.isNull())
         return;
@@ -367,23 +383,23 @@ void QSprites::crop(int i)
         return;
 
     LazyMacro macro(this, QStringLiteral("crop"));
-    if (undoEnabled) {
+    if (m_undoEnabled) {
         macro.open();
-        undoStack.push(new SpriteChangeImage(this, quint32(i), tr("Crop image")));
-        undoStack.push(new SpriteChangeInfo(this, quint32(i), it->info));
+        m_undoStack.push(new SpriteChangeImage(this, quint32(i), tr("Crop image")));
+        m_undoStack.push(new SpriteChangeInfo(this, quint32(i), it->info));
     }
     const QImage cropped = img.copy(left, top, right - left + 1, bottom - top + 1);
-    cache.replace(it->cacheId, QSpriteSize::rawBytes(cropped), true);
+    m_cache.replace(it->cacheId, QSpriteSize::rawBytes(cropped), true);
     it->filter = QBFCacheFilter::None;
     it->setSpriteSize(QSpriteSize::of(cropped));
     it->info.x = qint16(it->info.x - left);
     it->info.y = qint16(it->info.y - top);
     for (int k = i + 1; k < count(); ++k) {
-        QSpriteItem *l = sprites[k];
+        QSpriteItem *l = m_sprites[k];
         if (l->info.hasImage || l->info.link != i)
             continue;
-        if (undoEnabled)
-            undoStack.push(new SpriteChangeInfo(this, quint32(k), l->info));
+        if (m_undoEnabled)
+            m_undoStack.push(new SpriteChangeInfo(this, quint32(k), l->info));
         l->info.x = qint16(l->info.x - left);
         l->info.y = qint16(l->info.y - top);
         l->setSpriteSize(it->spriteSize());
@@ -403,13 +419,13 @@ void QSprites::autoOrganize()
         const QSpriteInfo &i = s->info;
         if (i.group == Portraits)
             return std::array<quint32, 4>{0, i.number, 0, 0};
-        if (palettes.info(i.palette).group == 1)
+        if (m_palettes.info(i.palette).group == 1)
             return std::array<quint32, 4>{1, i.group, i.number, 0};
         return std::array<quint32, 4>{2, i.palette, i.group, i.number};
     };
     QList<std::array<quint32, 4>> keys;
     keys.reserve(n);
-    for (const QSpriteItem *s : sprites)
+    for (const QSpriteItem *s : m_sprites)
         keys.append(key(s));
 
     // Insertion by move: sprite i goes in front of the first earlier sprite
@@ -433,14 +449,14 @@ void QSprites::renameGroup(int group, int newGroup, bool whole, int first, int l
     LazyMacro macro(this, QStringLiteral("renameGroup"));
     bool any = false;
     for (int k = count() - 1; k >= 0; --k) {
-        QSpriteInfo &s = sprites[k]->info;
+        QSpriteInfo &s = m_sprites[k]->info;
         if (s.group != quint16(group))
             continue;
         if (!whole && (s.number < first || s.number > last))
             continue;
-        if (undoEnabled) {
+        if (m_undoEnabled) {
             macro.open();
-            undoStack.push(new SpriteChangeInfo(this, quint32(k), s));
+            m_undoStack.push(new SpriteChangeInfo(this, quint32(k), s));
         }
         s.group = quint16(newGroup);
         any = true;
@@ -454,7 +470,7 @@ void QSprites::removeGroup(int group, bool whole, int first, int last)
 {
     LazyMacro macro(this, QStringLiteral("removeGroup"));
     for (int k = count() - 1; k >= 0; --k) {
-        const QSpriteInfo &s = sprites[k]->info;
+        const QSpriteInfo &s = m_sprites[k]->info;
         if (s.group != quint16(group))
             continue;
         if (!whole && (s.number < first || s.number > last))
@@ -468,30 +484,30 @@ void QSprites::duplicate(int i, bool copyImage)
 {
     if (!validIndex(i))
         return;
-    const bool undo = undoEnabled;
-    undoEnabled = false;
+    const bool undo = m_undoEnabled;
+    m_undoEnabled = false;
     insert(i + 1);
-    undoEnabled = undo;
+    m_undoEnabled = undo;
 
-    const QSpriteItem *src = sprites[i];
-    QSpriteItem *dst = sprites[i + 1];
+    const QSpriteItem *src = m_sprites[i];
+    QSpriteItem *dst = m_sprites[i + 1];
     dst->filter = src->filter;
     dst->info = src->info;
     dst->setSpriteSize(src->spriteSize());
     const int root = src->info.hasImage ? i : rootOf(i);
-    if (copyImage && root >= 0 && sprites[root]->cacheId) {
+    if (copyImage && root >= 0 && m_sprites[root]->cacheId) {
         // The stored bytes are copied as they are: nothing is decoded.
-        dst->cacheId = cache.copyEntry(cache, sprites[root]->cacheId);
-        dst->filter = sprites[root]->filter;
-        dst->setSpriteSize(sprites[root]->spriteSize());
+        dst->cacheId = m_cache.copyEntry(m_cache, m_sprites[root]->cacheId);
+        dst->filter = m_sprites[root]->filter;
+        dst->setSpriteSize(m_sprites[root]->spriteSize());
         dst->info.hasImage = true;
         dst->info.link = 0;
     } else if (!copyImage || root >= 0) {
         dst->info.hasImage = false;
         dst->info.link = quint16(src->info.hasImage ? i : src->info.link);
     }
-    if (undoEnabled)
-        undoStack.push(new SpriteInsert(this, quint32(i + 1), tr("Duplicate sprite")));
+    if (m_undoEnabled)
+        m_undoStack.push(new SpriteInsert(this, quint32(i + 1), tr("Duplicate sprite")));
     touch();
 }
 
@@ -499,7 +515,7 @@ void QSprites::setInfo(int i, quint32 axis, quint32 groupNumber, quint32 linkPal
 {
     if (!validIndex(i))
         return;
-    QSpriteInfo info = sprites[i]->info;
+    QSpriteInfo info = m_sprites[i]->info;
     info.x = qint16(low16(axis));
     info.y = qint16(high16(axis));
     info.group = low16(groupNumber);
@@ -514,7 +530,7 @@ void QSprites::setInfo(int i, const QSpriteInfo &info)
 {
     if (!validIndex(i))
         return;
-    QSpriteInfo &cur = sprites[i]->info;
+    QSpriteInfo &cur = m_sprites[i]->info;
     QSpriteInfo next = info;
     next.hasImage = cur.hasImage;
     // A link that doesn't point backwards would break every structural rule.
@@ -522,8 +538,8 @@ void QSprites::setInfo(int i, const QSpriteInfo &info)
         next.link = cur.link;
     if (next == cur)
         return;
-    if (undoEnabled)
-        undoStack.push(new SpriteChangeInfo(this, quint32(i), cur));
+    if (m_undoEnabled)
+        m_undoStack.push(new SpriteChangeInfo(this, quint32(i), cur));
     cur = next;
     rowChanged(i);
     touch();
@@ -533,15 +549,15 @@ void QSprites::flattenLinks()
 {
     LazyMacro macro(this, QStringLiteral("flattenLinks"));
     for (int k = 0; k < count(); ++k) {
-        QSpriteInfo &s = sprites[k]->info;
+        QSpriteInfo &s = m_sprites[k]->info;
         if (s.hasImage)
             continue;
         const int r = rootOf(k);
         if (r < 0 || r == s.link)
             continue;
-        if (undoEnabled) {
+        if (m_undoEnabled) {
             macro.open();
-            undoStack.push(new SpriteChangeInfo(this, quint32(k), s));
+            m_undoStack.push(new SpriteChangeInfo(this, quint32(k), s));
         }
         s.link = quint16(r);
     }
@@ -556,7 +572,7 @@ int QSprites::rootOf(int i) const
         return -1;
     const int n = count();
     for (int steps = 0; steps <= n; ++steps) {
-        const QSpriteInfo &s = sprites[i]->info;
+        const QSpriteInfo &s = m_sprites[i]->info;
         if (s.hasImage)
             return i;
         if (s.link >= n || s.link == i)
@@ -568,11 +584,11 @@ int QSprites::rootOf(int i) const
 
 QByteArray QSprites::decodeOwn(int i) const
 {
-    const QSpriteItem *s = sprites[i];
+    const QSpriteItem *s = m_sprites[i];
     QByteArray out;
     if (!s->cacheId || s->spriteSize().isEmpty())
         return out;
-    if (!cache.get(s->cacheId, out, QBFCacheFilter::filter(s->filter), s->spriteSize()))
+    if (!m_cache.get(s->cacheId, out, QBFCacheFilter::filter(s->filter), s->spriteSize()))
         return QByteArray();
     return out;
 }
@@ -585,17 +601,17 @@ QByteArray QSprites::imageData(int i) const
 
 QImage QSprites::image(int i, int palette) const
 {
-    if (!validIndex(i) || sprites[i]->width == 0 || sprites[i]->height == 0)
+    if (!validIndex(i) || m_sprites[i]->width == 0 || m_sprites[i]->height == 0)
         return QImage();
     const int r = rootOf(i);
-    if (r < 0 || !sprites[r]->cacheId)
+    if (r < 0 || !m_sprites[r]->cacheId)
         return QImage();
-    const QSpriteItem *root = sprites[r];
+    const QSpriteItem *root = m_sprites[r];
     QImage img = root->spriteSize().toImage(decodeOwn(r));
     if (img.isNull())
         return img;
     if (img.format() == QImage::Format_Indexed8) {
-        const int pal = remapPalette(palette >= 0 ? palette : sprites[i]->info.palette);
+        const int pal = remapPalette(palette >= 0 ? palette : m_sprites[i]->info.palette);
         if (const QRGBPal *c = paletteColors(pal))
             img.setColorTable(c->toColorTable());
     }
@@ -604,9 +620,9 @@ QImage QSprites::image(int i, int palette) const
 
 void QSprites::propagateSize(int target)
 {
-    const QSpriteItem *t = sprites[target];
+    const QSpriteItem *t = m_sprites[target];
     for (int k = target + 1; k < count(); ++k) {
-        QSpriteItem *l = sprites[k];
+        QSpriteItem *l = m_sprites[k];
         if (!l->info.hasImage && l->info.link == target)
             l->setSpriteSize(t->spriteSize());
     }
@@ -617,20 +633,20 @@ bool QSprites::changeImage(int i, const QImage &source, int paletteMode, bool in
 {
     if (!validIndex(i) || source.isNull())
         return false;
-    QSpriteItem *it = sprites[i];
+    QSpriteItem *it = m_sprites[i];
 
     LazyMacro macro(this, QStringLiteral("changeImage"));
-    const bool undo = undoEnabled;
+    const bool undo = m_undoEnabled;
     SpriteChangeImage *imageCmd = nullptr;
     const QSpriteInfo oldInfo = it->info;
     QPaletteList palettesBefore;
     QList<int> refsBefore;
     if (undo) {
         imageCmd = new SpriteChangeImage(this, quint32(i), tr("Change image"));
-        palettesBefore = palettes;
+        palettesBefore = m_palettes;
         refsBefore = spritePaletteIndices();
     }
-    undoEnabled = false;
+    m_undoEnabled = false;
 
     QImage img = source;
     if (img.format() != QImage::Format_Indexed8 && img.format() != QImage::Format_RGB32
@@ -651,7 +667,7 @@ bool QSprites::changeImage(int i, const QImage &source, int paletteMode, bool in
         img.setColorTable(table);
     }
 
-    const int p = palettes.find(0, group, number);
+    const int p = m_palettes.find(0, group, number);
     const QRGBPal *pc = p >= 0 ? paletteColors(p) : nullptr;
     switch (paletteMode) {
     case 1:
@@ -684,22 +700,22 @@ bool QSprites::changeImage(int i, const QImage &source, int paletteMode, bool in
     it->filter = QBFCacheFilter::None;
     it->info.hasImage = true;
     it->setSpriteSize(QSpriteSize::of(img));
-    if (it->cacheId && cache.contains(it->cacheId)) {
-        cache.replace(it->cacheId, raw, true);
+    if (it->cacheId && m_cache.contains(it->cacheId)) {
+        m_cache.replace(it->cacheId, raw, true);
     } else {
-        it->cacheId = cache.add(raw, true);
+        it->cacheId = m_cache.add(raw, true);
         it->info.link = 0;
     }
     propagateSize(i);
-    undoEnabled = undo;
+    m_undoEnabled = undo;
 
     if (undo) {
         macro.open();
-        undoStack.push(imageCmd);
-        if (!samePalettes(palettes, palettesBefore))
-            undoStack.push(new PaletteChange(this, tr("Change image"), palettesBefore, refsBefore));
+        m_undoStack.push(imageCmd);
+        if (!samePalettes(m_palettes, palettesBefore))
+            m_undoStack.push(new PaletteChange(this, tr("Change image"), palettesBefore, refsBefore));
         if (it->info != oldInfo)
-            undoStack.push(new SpriteChangeInfo(this, quint32(i), oldInfo));
+            m_undoStack.push(new SpriteChangeInfo(this, quint32(i), oldInfo));
     }
     rowChanged(i);
     touch();
@@ -711,7 +727,7 @@ bool QSprites::changeImage(int i, const QImage &source, int paletteMode, bool in
 int QSprites::findSprite(int start, int group, int number) const
 {
     for (int k = std::max(start, 0); k < count(); ++k) {
-        const QSpriteInfo &s = sprites[k]->info;
+        const QSpriteInfo &s = m_sprites[k]->info;
         if (s.group == quint16(group) && s.number == quint16(number))
             return k;
     }
@@ -722,7 +738,7 @@ quint32 QSprites::spriteSize(int i) const
 {
     if (!validIndex(i))
         return 0;
-    return QSpriteInfo::pack(sprites[i]->width, sprites[i]->height);
+    return QSpriteInfo::pack(m_sprites[i]->width, m_sprites[i]->height);
 }
 
 int QSprites::previousGroupStart(int i) const
@@ -730,14 +746,14 @@ int QSprites::previousGroupStart(int i) const
     if (!validIndex(i))
         return 0;
     int k = i;
-    const quint16 g = sprites[i]->info.group;
-    while (k > 0 && sprites[k - 1]->info.group == g)
+    const quint16 g = m_sprites[i]->info.group;
+    while (k > 0 && m_sprites[k - 1]->info.group == g)
         --k;
     if (k == 0)
         return 0;
     --k;
-    const quint16 pg = sprites[k]->info.group;
-    while (k > 0 && sprites[k - 1]->info.group == pg)
+    const quint16 pg = m_sprites[k]->info.group;
+    while (k > 0 && m_sprites[k - 1]->info.group == pg)
         --k;
     return k;
 }
@@ -746,9 +762,9 @@ int QSprites::nextGroupStart(int i) const
 {
     if (!validIndex(i))
         return 0;
-    const quint16 g = sprites[i]->info.group;
+    const quint16 g = m_sprites[i]->info.group;
     for (int k = i + 1; k < count(); ++k)
-        if (sprites[k]->info.group != g)
+        if (m_sprites[k]->info.group != g)
             return k;
     return 0;
 }
@@ -756,7 +772,7 @@ int QSprites::nextGroupStart(int i) const
 void QSprites::bounds(QPoint &axisMax, QPoint &sizeMax) const
 {
     int ax = 0, ay = 0, sx = 0, sy = 0;
-    for (const QSpriteItem *s : sprites) {
+    for (const QSpriteItem *s : m_sprites) {
         ax = std::max(ax, int(s->info.x));
         ay = std::max(ay, int(s->info.y));
         sx = std::max(sx, int(s->width) - s->info.x);
@@ -769,7 +785,7 @@ void QSprites::bounds(QPoint &axisMax, QPoint &sizeMax) const
 int QSprites::findLinkTo(int start, int i) const
 {
     for (int k = std::max(start, 0); k < count(); ++k) {
-        const QSpriteInfo &s = sprites[k]->info;
+        const QSpriteInfo &s = m_sprites[k]->info;
         if (!s.hasImage && s.link == i)
             return k;
     }
@@ -793,7 +809,7 @@ void QSprites::copy(int i) const
     QImage img = image(i);
     if (!cb || img.isNull())
         return;
-    const QSpriteInfo &s = sprites[i]->info;
+    const QSpriteInfo &s = m_sprites[i]->info;
     img.setText(QStringLiteral("group"), QString::number(s.group));
     img.setText(QStringLiteral("index"), QString::number(s.number));
     img.setText(QStringLiteral("xaxis"), QString::number(s.x));
@@ -815,7 +831,7 @@ void QSprites::paste(int i)
     macro.open();
     insert(i);
     auto tag = [&img](const char *key) { return img.text(QLatin1String(key)).toInt(); };
-    QSpriteInfo info = sprites[i]->info;
+    QSpriteInfo info = m_sprites[i]->info;
     info.group = quint16(tag("group"));
     info.number = quint16(tag("index"));
     info.x = qint16(tag("xaxis"));
@@ -830,9 +846,9 @@ void QSprites::paste(int i)
 QByteArray QSprites::storedBytes(int i) const
 {
     QByteArray out;
-    if (!validIndex(i) || !sprites[i]->cacheId)
+    if (!validIndex(i) || !m_sprites[i]->cacheId)
         return out;
-    cache.get(sprites[i]->cacheId, out, QBFCacheFilter::byPass(), sprites[i]->spriteSize());
+    m_cache.get(m_sprites[i]->cacheId, out, QBFCacheFilter::byPass(), m_sprites[i]->spriteSize());
     return out;
 }
 
@@ -840,9 +856,9 @@ void QSprites::adoptEntry(int i, quint32 id, quint16 filter, const QSpriteSize &
 {
     if (!validIndex(i))
         return;
-    QSpriteItem *it = sprites[i];
+    QSpriteItem *it = m_sprites[i];
     if (it->cacheId && it->cacheId != id)
-        cache.remove(it->cacheId);
+        m_cache.remove(it->cacheId);
     it->cacheId = id;
     it->filter = filter;
     it->setSpriteSize(size);
@@ -852,14 +868,14 @@ void QSprites::adoptEntry(int i, quint32 id, quint16 filter, const QSpriteSize &
 void QSprites::swapCacheIds(int a, int b)
 {
     if (validIndex(a) && validIndex(b))
-        std::swap(sprites[a]->cacheId, sprites[b]->cacheId);
+        std::swap(m_sprites[a]->cacheId, m_sprites[b]->cacheId);
 }
 
 QList<int> QSprites::spritePaletteIndices() const
 {
     QList<int> out;
     out.reserve(count());
-    for (const QSpriteItem *s : sprites)
+    for (const QSpriteItem *s : m_sprites)
         out.append(s->info.palette);
     return out;
 }
@@ -868,5 +884,5 @@ void QSprites::setSpritePaletteIndices(const QList<int> &indices)
 {
     const int n = std::min(count(), int(indices.size()));
     for (int k = 0; k < n; ++k)
-        sprites[k]->info.palette = quint16(indices[k]);
+        m_sprites[k]->info.palette = quint16(indices[k]);
 }

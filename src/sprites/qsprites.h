@@ -6,16 +6,24 @@
 #include <QString>
 #include <QUndoStack>
 
-#include "core/qorganizableobject.h"
+#include <memory>
+
+#include "base/qorganizableobject.h"
 #include "sprites/qpaletteitem.h"
 #include "sprites/qpalettelist.h"
 #include "sprites/qpaletteobject.h"
 #include "sprites/qremapmodel.h"
 #include "sprites/qrgbpal.h"
+#include "sprites/qsffversion.h"
 #include "sprites/qspritecache.h"
 #include "sprites/qspriteitem.h"
 
 class QMessages;
+namespace Sff {
+class SffReader;
+class SffPlan;
+class SffWriter;
+} // namespace Sff
 
 // The in-memory form of one sprite file: the ordered sprites, the ordered
 // palettes, the remap table, the cache that holds the pixels and one undo
@@ -26,24 +34,23 @@ class QMessages;
 // straight at a sprite that owns an image; the order of `sprites` is the file
 // order. Structural edits touch no pixels: they move handles, never decode.
 //
-// Every mutator ends with `modified` set and changed() emitted. With
-// `undoEnabled`, mutators push their undo command after the change has been
-// made (the command's first redo does nothing).
+// Every mutator ends with the store modified and changed() emitted. With undo
+// enabled, mutators push their undo command after the change has been made
+// (the command's first redo does nothing). The state is the store's own:
+// others read it, and change it only through the store's operations.
 class QSprites : public QOrganizableObject
 {
     Q_OBJECT
-    Q_PROPERTY(quint32 version MEMBER version)
-    Q_PROPERTY(quint32 index MEMBER index)
+    Q_PROPERTY(quint32 version READ version)
+    Q_PROPERTY(quint32 index READ index WRITE setIndex)
 
 public:
-    static constexpr quint32 Version201 = 0x02000100;
-    static constexpr quint32 Version200 = 0x02000000;
-    static constexpr quint32 Version101 = 0x01000100;
-
     // `cacheMode` and `cacheCompression` are the configuration's cache_type
     // and cache_compression, fixed for the life of the store.
+    // `records` is the program's pool of cache records; without one the
+    // store's cache keeps its own.
     explicit QSprites(int cacheMode = QSpriteCache::Memory, bool cacheCompression = true,
-                      QObject *parent = nullptr);
+                      QSpriteRecordPool *records = nullptr, QObject *parent = nullptr);
     ~QSprites() override;
 
     // --- list model ---------------------------------------------------------
@@ -62,8 +69,8 @@ public:
     // that version 1.01 can't give them. Sorted; empty if none.
     QList<uint> spritesChangedBy(quint32 version, bool isCharacter) const;
 
-    bool isModified() const { return modified; }
-    int count() const { return int(sprites.size()); }
+    bool isModified() const { return m_modified; }
+    int count() const { return int(m_sprites.size()); }
     // Record at `index`, null if out of range.
     QSpriteItem *item(int index) const;
 
@@ -117,7 +124,7 @@ public:
     void paste(int index);
 
     // --- palettes ------------------------------------------------------------
-    int paletteCount() const { return palettes.count(); }
+    int paletteCount() const { return m_palettes.count(); }
     int findPalette(int start, int group, int number) const;
     QPaletteInfo paletteInfo(int index) const;
     // The ten-byte block as words: hasColors in bits 0-7 and group in the high
@@ -145,6 +152,11 @@ public:
     static bool loadPaletteFile(const QString &path, QRGBPal *out);
 
     // --- used by the undo commands --------------------------------------------
+    // Where the undo commands keep the images they can bring back: the one
+    // given (shared by all stores of the program), or else one of the store's
+    // own, made on first use.
+    void setUndoCache(QSpriteCache *cache) { m_undoCache = cache; }
+    QSpriteCache *undoCache();
     // Stored bytes of a sprite's own cache entry, lifted out without decoding.
     QByteArray storedBytes(int index) const;
     // Gives the sprite the cache entry `id` of its own cache (0: none), with
@@ -161,19 +173,43 @@ public:
     // Tells the views that the text of row `index` may have changed.
     void rowChanged(int index);
 
-    // --- members -------------------------------------------------------------
-    QRemapModel remap;
-    bool undoEnabled = true;
-    QMessages *messages = nullptr;
-    QList<QSpriteItem *> sprites;
-    QSpriteCache cache;
-    QString fileName;
-    quint32 version = Version201;
-    quint32 index = 0;
-    bool modified = false;
-    QUndoStack undoStack;
-    QPaletteObject paletteObject;
-    QPaletteList palettes;
+    // The palette list as a whole, with the views reset around the change
+    // (undo of palette edits); no undo of its own.
+    void restorePalettes(const QPaletteList &palettes, const QList<int> &spritePalettes);
+
+    // --- state ---------------------------------------------------------------
+    // The file the store was read from or last saved to.
+    QString fileName() const { return m_fileName; }
+    void setFileName(const QString &fileName) { m_fileName = fileName; }
+    // The version word of that file (or, for a file that was refused, what it
+    // said): the version a save keeps unless told otherwise.
+    quint32 version() const { return m_version; }
+    void setVersion(quint32 version) { m_version = version; }
+    // Cleared by a real save; set by every edit.
+    void setModified(bool modified) { m_modified = modified; }
+    // The sprite a script works on.
+    quint32 index() const { return m_index; }
+    void setIndex(quint32 index) { m_index = index; }
+    // Where loads and saves report what they found; the project's issue list.
+    QMessages *messages() const { return m_messages; }
+    void setMessages(QMessages *messages) { m_messages = messages; }
+    // Off while the store is being filled or an undo command replays.
+    bool undoEnabled() const { return m_undoEnabled; }
+    void setUndoEnabled(bool on) { m_undoEnabled = on; }
+    // Empties the store; the file it belongs to stays its file.
+    void clearContent();
+    // A palette read from a file of the project: part of loading, so no undo
+    // and no unsaved change. Returns its index.
+    int addLoadedPalette(const QRGBPal &colors, int group, int number);
+
+    const QList<QSpriteItem *> &items() const { return m_sprites; }
+    QSpriteCache &cache() { return m_cache; }
+    const QSpriteCache &cache() const { return m_cache; }
+    const QPaletteList &palettes() const { return m_palettes; }
+    QUndoStack *undoStack() { return &m_undoStack; }
+    const QUndoStack *undoStack() const { return &m_undoStack; }
+    QRemapModel *remap() { return &m_remap; }
+    QPaletteObject *paletteObject() { return &m_paletteObject; }
 
 signals:
     void changed();
@@ -186,6 +222,27 @@ signals:
     void fileError(const QString &title, const QString &text);
 
 private:
+    // The file layer (sfffile.cpp) reads and writes the store as a whole.
+    friend class Sff::SffReader;
+    friend class Sff::SffPlan;
+    friend class Sff::SffWriter;
+
+    QRemapModel m_remap;
+    bool m_undoEnabled = true;
+    QMessages *m_messages = nullptr;
+    QSpriteItemPool m_itemPool;
+    QList<QSpriteItem *> m_sprites;
+    QSpriteCache m_cache;
+    QString m_fileName;
+    quint32 m_version = QSffVersion::V201;
+    quint32 m_index = 0;
+    bool m_modified = false;
+    QUndoStack m_undoStack;
+    QPaletteObject m_paletteObject;
+    QPaletteList m_palettes;
+    QSpriteCache *m_undoCache = nullptr;
+    std::unique_ptr<QSpriteCache> m_ownUndoCache;
+
     // Row changes with the model notifications; nothing else.
     void insertRecord(int index);
     void deleteRecord(int index);
@@ -199,5 +256,5 @@ private:
     // Sprites whose link is `target`: they carry its size and format.
     void propagateSize(int target);
     static bool samePalettes(const QPaletteList &a, const QPaletteList &b);
-    bool validIndex(int index) const { return index >= 0 && index < sprites.size(); }
+    bool validIndex(int index) const { return index >= 0 && index < m_sprites.size(); }
 };

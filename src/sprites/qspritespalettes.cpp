@@ -10,33 +10,33 @@
 template <typename F>
 void QSprites::changePalettes(const QString &text, F change)
 {
-    const bool undo = undoEnabled;
+    const bool undo = m_undoEnabled;
     QPaletteList before;
     QList<int> refsBefore;
     if (undo) {
-        before = palettes;
+        before = m_palettes;
         refsBefore = spritePaletteIndices();
     }
     QList<int> refs = spritePaletteIndices();
-    paletteObject.beginReset();
+    m_paletteObject.beginReset();
     const bool mod = change(refs);
     setSpritePaletteIndices(refs);
-    paletteObject.endReset();
-    if (undo && (refsBefore != refs || !samePalettes(before, palettes)))
-        undoStack.push(new PaletteChange(this, text, before, refsBefore));
+    m_paletteObject.endReset();
+    if (undo && (refsBefore != refs || !samePalettes(before, m_palettes)))
+        m_undoStack.push(new PaletteChange(this, text, before, refsBefore));
     if (mod)
-        modified = true;
+        m_modified = true;
     emit changed();
 }
 
 int QSprites::findPalette(int start, int group, int number) const
 {
-    return palettes.find(start, group, number);
+    return m_palettes.find(start, group, number);
 }
 
 QPaletteInfo QSprites::paletteInfo(int i) const
 {
-    return palettes.info(i);
+    return m_palettes.info(i);
 }
 
 void QSprites::setPaletteInfo(int i, quint32 word0, quint32 word1, quint16 half)
@@ -55,43 +55,43 @@ void QSprites::setPaletteInfo(int i, const QPaletteInfo &info)
     if (i < 0 || i >= paletteCount())
         return;
     changePalettes(tr("Palette info"), [&](QList<int> &) {
-        palettes.setInfo(i, info);
+        m_palettes.setInfo(i, info);
         return true;
     });
 }
 
 QRGBPal *QSprites::paletteColors(int i)
 {
-    return palettes.colors(i);
+    return m_palettes.colors(i);
 }
 
 const QRGBPal *QSprites::paletteColors(int i) const
 {
-    return palettes.colors(i);
+    return m_palettes.colors(i);
 }
 
 int QSprites::remapPalette(int i) const
 {
-    return palettes.remappedOrSelf(i, remap);
+    return m_palettes.remappedOrSelf(i, m_remap);
 }
 
 QRGBPal *QSprites::remappedPaletteColors(int i)
 {
-    return palettes.colors(remapPalette(i));
+    return m_palettes.colors(remapPalette(i));
 }
 
 void QSprites::spritePalette(int sprite, QRGBPal *out) const
 {
     if (!out || !validIndex(sprite))
         return;
-    palettes.colorsOrZero(sprites[sprite]->info.palette, out);
+    m_palettes.colorsOrZero(m_sprites[sprite]->info.palette, out);
 }
 
 int QSprites::addPalette(const QRGBPal &colors, bool dedupe, int group, int number)
 {
     int result = -1;
     changePalettes(tr("Add palette"), [&](QList<int> &) {
-        result = palettes.add(colors, dedupe, group, number);
+        result = m_palettes.add(colors, dedupe, group, number);
         return true;
     });
     return result;
@@ -101,7 +101,7 @@ int QSprites::insertPalette(int position, const QRGBPal &colors, bool dedupe, in
 {
     int result = -1;
     changePalettes(tr("Insert palette"), [&](QList<int> &refs) {
-        result = palettes.insert(std::max(position, 0), colors, dedupe, group, number, &refs);
+        result = m_palettes.insert(std::max(position, 0), colors, dedupe, group, number, &refs);
         return true;
     });
     return result;
@@ -112,7 +112,7 @@ void QSprites::setPaletteColors(int i, const QRGBPal &colors)
     if (i < 0 || i >= paletteCount())
         return;
     changePalettes(tr("Palette colours"), [&](QList<int> &) {
-        palettes.setColors(i, colors);
+        m_palettes.setColors(i, colors);
         return true;
     });
 }
@@ -122,7 +122,7 @@ void QSprites::removePalette(int i)
     if (i < 0 || i >= paletteCount())
         return;
     changePalettes(tr("Remove palette"), [&](QList<int> &refs) {
-        palettes.remove(i, &refs);
+        m_palettes.remove(i, &refs);
         return true;
     });
 }
@@ -130,41 +130,41 @@ void QSprites::removePalette(int i)
 void QSprites::mergeDuplicates()
 {
     changePalettes(tr("Merge duplicate palettes"),
-                   [&](QList<int> &refs) { return palettes.mergeDuplicates(&refs); });
+                   [&](QList<int> &refs) { return m_palettes.mergeDuplicates(&refs); });
 }
 
 void QSprites::removeUnused()
 {
     changePalettes(tr("Remove unused palettes"),
-                   [&](QList<int> &refs) { return palettes.removeUnused(&refs); });
+                   [&](QList<int> &refs) { return m_palettes.removeUnused(&refs); });
 }
 
 void QSprites::movePalette(int from, int to)
 {
     if (from == to || from < 0 || to < 0 || from >= paletteCount() || to >= paletteCount())
         return;
-    changePalettes(tr("Move palette"), [&](QList<int> &refs) { return palettes.move(from, to, &refs); });
+    changePalettes(tr("Move palette"), [&](QList<int> &refs) { return m_palettes.move(from, to, &refs); });
 }
 
 void QSprites::autoOrganizePalettes()
 {
     changePalettes(tr("Organize palettes"),
-                   [&](QList<int> &refs) { return palettes.autoOrganize(&refs); });
+                   [&](QList<int> &refs) { return m_palettes.autoOrganize(&refs); });
 }
 
 int QSprites::findPaletteLink(int start, int i) const
 {
-    return palettes.findLink(start, i);
+    return m_palettes.findLink(start, i);
 }
 
 int QSprites::previousPaletteGroup(int i) const
 {
-    return palettes.previousGroup(i);
+    return m_palettes.previousGroup(i);
 }
 
 int QSprites::nextPaletteGroup(int i) const
 {
-    return palettes.nextGroup(i);
+    return m_palettes.nextGroup(i);
 }
 
 bool QSprites::savePaletteFile(int i, const QString &path) const
@@ -181,4 +181,23 @@ bool QSprites::loadPaletteFile(const QString &path, QRGBPal *out)
     if (!out)
         return false;
     return QRGBPalette(out).load(path);
+}
+
+void QSprites::restorePalettes(const QPaletteList &palettes, const QList<int> &spritePalettes)
+{
+    m_paletteObject.beginReset();
+    m_palettes = palettes;
+    setSpritePaletteIndices(spritePalettes);
+    m_paletteObject.endReset();
+}
+
+int QSprites::addLoadedPalette(const QRGBPal &colors, int group, int number)
+{
+    const bool undo = m_undoEnabled;
+    const bool modified = m_modified;
+    m_undoEnabled = false;
+    const int index = addPalette(colors, false, group, number);
+    m_undoEnabled = undo;
+    m_modified = modified;
+    return index;
 }

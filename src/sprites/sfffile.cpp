@@ -1,6 +1,6 @@
 #include "sprites/sfffile.h"
 
-#include "core/qmessages.h"
+#include "base/qmessages.h"
 #include "sprites/qbfcachefilter.h"
 #include "sprites/qcolorquantizer.h"
 #include "sprites/qlz5cachefilter.h"
@@ -39,20 +39,6 @@ QByteArray comment()
     text.resize(CommentSize, '\0');
     text[CommentSize - 1] = '\0';
     return text;
-}
-
-QString versionText(quint32 version)
-{
-    return QStringLiteral("%1.%2.%3.%4")
-        .arg(version >> 24)
-        .arg((version >> 16) & 0xFF)
-        .arg((version >> 8) & 0xFF)
-        .arg(version & 0xFF);
-}
-
-bool isSupported(quint32 version)
-{
-    return version == Version101 || version == Version200 || version == Version201;
 }
 
 quint16 filterForCode(quint8 code)
@@ -186,7 +172,7 @@ V1Header V1Header::read(ByteReader &in)
 void V1Header::write(ByteWriter &out) const
 {
     const qint64 start = out.size();
-    Head{true, Version101}.write(out);
+    Head{true, QSffVersion::V101}.write(out);
     out.u32(groups);
     out.u32(images);
     out.u32(firstOffset);
@@ -358,7 +344,7 @@ QImage::Format V2SpriteNode::imageFormat() const
 
 using namespace Sff;
 
-namespace {
+namespace Sff {
 
 QString tr(const char *text)
 {
@@ -409,14 +395,14 @@ int chainEnd(QSpriteItem *const *items, int n, int index)
 class ItemList
 {
 public:
-    ItemList() = default;
+    explicit ItemList(QSpriteItemPool &pool) : m_pool(pool) {}
     ItemList(const ItemList &) = delete;
     ItemList &operator=(const ItemList &) = delete;
     ~ItemList() { clear(); }
 
     void clear()
     {
-        QSpriteItem::destroyMany(m_items.data(), qsizetype(m_items.size()));
+        m_pool.destroyMany(m_items.data(), qsizetype(m_items.size()));
         m_items.clear();
     }
     // Appends `count` fresh records.
@@ -424,9 +410,17 @@ public:
     {
         const size_t start = m_items.size();
         m_items.resize(start + size_t(count));
-        QSpriteItem::createMany(m_items.data() + start, count);
+        m_pool.createMany(m_items.data() + start, count);
     }
-    void push(std::unique_ptr<QSpriteItem> item) { m_items.push_back(item.release()); }
+    // A fresh record outside the list, given back to the pool unless pushed.
+    struct Drop
+    {
+        QSpriteItemPool *pool;
+        void operator()(QSpriteItem *item) const { pool->destroy(item); }
+    };
+    using Item = std::unique_ptr<QSpriteItem, Drop>;
+    Item make() { return Item(m_pool.create(), Drop{&m_pool}); }
+    void push(Item item) { m_items.push_back(item.release()); }
     // Hands the records over; the list is left empty.
     std::vector<QSpriteItem *> release() { return std::exchange(m_items, {}); }
 
@@ -436,6 +430,7 @@ public:
     const std::vector<QSpriteItem *> &pointers() const { return m_items; }
 
 private:
+    QSpriteItemPool &m_pool;
     std::vector<QSpriteItem *> m_items;
 };
 
@@ -520,8 +515,8 @@ public:
     // the cache may share.
     SffReader(QSprites &store, const QString &name, const uchar *data, qint64 size,
               const QByteArray &wholeFile, bool isCharacter)
-        : s(store), name(name), in(data, size), data(data), wholeFile(wholeFile), isCharacter(isCharacter),
-          issues(store.messages, name)
+        : owned(store.m_itemPool), s(store), name(name), in(data, size), data(data), wholeFile(wholeFile),
+          isCharacter(isCharacter), issues(store.m_messages, name)
     {
     }
 
@@ -561,8 +556,8 @@ private:
     {
         issues.finish();
         const QString text = tr("%1(%2): Sprite incorrectly linked to the index %3").arg(name).arg(index).arg(link);
-        if (s.messages)
-            s.messages->addError(text);
+        if (s.m_messages)
+            s.m_messages->addError(text);
         emit s.fileError(tr("Sprite loading error"), text);
     }
     QSprites &s;
@@ -578,19 +573,19 @@ public:
 
 SffReader::Result SffReader::read(quint32 version, const QPaletteList &keptPalettes)
 {
-    return version == Version101 ? readV1(keptPalettes) : readV2(version);
+    return version == QSffVersion::V101 ? readV1(keptPalettes) : readV2(version);
 }
 
 SffReader::Result SffReader::readV1(const QPaletteList &keptPalettes)
 {
     // A character's palette files come before its sprites: keep them.
-    s.palettes = keptPalettes;
+    s.m_palettes = keptPalettes;
     const V1Header header = V1Header::read(in);
     const uint images = header.images;
     if (!progress(0, images))
         return Failed;
 
-    int charPal = s.palettes.find(0, 1, 1);
+    int charPal = s.m_palettes.find(0, 1, 1);
     int last = 0;
     qint64 pos = HeaderSize;
     for (uint i = 0; i < images; ++i) {
@@ -604,7 +599,7 @@ SffReader::Result SffReader::readV1(const QPaletteList &keptPalettes)
         const qint64 dataStart = pos + SubheaderSize;
         const bool nextValid = sh.next != 0 && qint64(sh.next) >= dataStart && qint64(sh.next) <= in.size();
 
-        auto item = std::make_unique<QSpriteItem>();
+        ItemList::Item item = owned.make();
         item->filter = QBFCacheFilter::PCX;
         item->info.x = sh.x;
         item->info.y = sh.y;
@@ -644,7 +639,7 @@ SffReader::Result SffReader::readV1(const QPaletteList &keptPalettes)
                     QRGBPal colors = table.isEmpty() ? zeroPal() : spritePal(table);
                     if (table.isEmpty())
                         emit s.charPalette(&colors); // the project supplies the colours as they are
-                    charPal = s.palettes.add(colors, false, 1, 1);
+                    charPal = s.m_palettes.add(colors, false, 1, 1);
                 }
                 pal = charPal;
             } else if ((i != 0 && sh.samePalette == 1) || (table.isEmpty() && !owned.empty())) {
@@ -654,7 +649,7 @@ SffReader::Result SffReader::readV1(const QPaletteList &keptPalettes)
                     warn(IssueLog::NoColours, int(i),
                          tr("sprite %1,%2 has no colours of its own and none to share").arg(sh.group).arg(sh.number),
                          QT_TR_NOOP("more sprites without colours"));
-                pal = s.palettes.add(table.isEmpty() ? zeroPal() : spritePal(table), true, qint16(sh.group), -1);
+                pal = s.m_palettes.add(table.isEmpty() ? zeroPal() : spritePal(table), true, qint16(sh.group), -1);
             }
             item->info.palette = quint16(pal);
 
@@ -663,7 +658,7 @@ SffReader::Result SffReader::readV1(const QPaletteList &keptPalettes)
             // Never to index 0, which shows nothing. Only a stream that could
             // hold the pixels is decoded for this: a damaged header must not
             // cost memory the file's bytes don't justify.
-            const QPaletteItem *palItem = s.palettes.item(pal);
+            const QPaletteItem *palItem = s.m_palettes.item(pal);
             const int colorCount = palItem ? palItem->colorCount : 256;
             const qint64 claimed = qint64(pcx.width) * pcx.height;
             QImage img;
@@ -697,7 +692,7 @@ SffReader::Result SffReader::readV1(const QPaletteList &keptPalettes)
                     stored = QSpriteSize::rawBytes(img);
                 }
             }
-            item->cacheId = s.cache.add(stored, item->filter == QBFCacheFilter::None);
+            item->cacheId = s.m_cache.add(stored, item->filter == QBFCacheFilter::None);
             last = pal;
         } else {
             pos = nextValid ? qint64(sh.next) : dataStart;
@@ -731,7 +726,7 @@ SffReader::Result SffReader::readV1(const QPaletteList &keptPalettes)
 
 SffReader::Result SffReader::readV2(quint32 version)
 {
-    s.palettes.clear();
+    s.m_palettes.clear();
     const V2Header h = V2Header::read(in);
 
     // Counts are trusted only as far as their tables have room: up to the
@@ -808,9 +803,6 @@ SffReader::Result SffReader::readV2(quint32 version)
         item->info.link = node.link;
         item->info.palette = node.palette;
         item->info.flags = node.flags;
-        item->offset = node.offset;
-        item->format = node.format;
-        item->size = node.length;
         if (node.length == 0) {
             links.push_back(i);
             continue;
@@ -859,20 +851,20 @@ SffReader::Result SffReader::readV2(quint32 version)
                             tr("the colours of palette %1,%2 are cut short by the end of the file")
                                 .arg(node.group).arg(node.number),
                             QT_TR_NOOP("more palettes cut short"));
-            if (version == Version200) {
+            if (version == QSffVersion::V200) {
                 // This version kept no alpha: colour 0 is the transparent one.
                 pal->colors[0].a = 0;
                 for (int c = 1; c < 256; ++c)
                     pal->colors[c].a = 255;
             }
         }
-        s.palettes.append(std::move(pal));
+        s.m_palettes.append(std::move(pal));
         if (!progress(++done, total))
             return Failed;
     }
-    for (int p = 0; p < s.palettes.count(); ++p) {
-        const QPaletteItem *pal = s.palettes.item(p);
-        if (!pal->hasColors && s.palettes.root(p) < 0)
+    for (int p = 0; p < s.m_palettes.count(); ++p) {
+        const QPaletteItem *pal = s.m_palettes.item(p);
+        if (!pal->hasColors && s.m_palettes.root(p) < 0)
             warnPalette(IssueLog::PaletteNoColours, p,
                         tr("palette %1,%2 is linked to the index %3, which leads to no colours")
                             .arg(pal->group).arg(pal->number).arg(pal->link),
@@ -898,7 +890,7 @@ SffReader::Result SffReader::readV2(quint32 version)
                     // and missing pixels decode as zeros.
                     item->filter = QBFCacheFilter::RLE8;
                     const QByteArray pixels = packed.left(qsizetype(size.width) * size.height);
-                    item->cacheId = s.cache.add(QRLE8CacheFilter::encode(pixels), false);
+                    item->cacheId = s.m_cache.add(QRLE8CacheFilter::encode(pixels), false);
                 } else if (size.byteCount() > QPCXCacheFilter::MaxImageBytes
                            || size.byteCount() > 2 * packed.size() + (1 << 20)) {
                     // Too large to hold, or so far beyond its bytes that
@@ -908,15 +900,15 @@ SffReader::Result SffReader::readV2(quint32 version)
                              .arg(node.group).arg(node.number).arg(size.width).arg(size.height),
                          QT_TR_NOOP("more sprites left empty"));
                     item->filter = QBFCacheFilter::None;
-                    item->cacheId = s.cache.add(QByteArray(), true);
+                    item->cacheId = s.m_cache.add(QByteArray(), true);
                 } else {
                     item->filter = QBFCacheFilter::None;
-                    item->cacheId = s.cache.add(rawToPadded(packed, size), true);
+                    item->cacheId = s.m_cache.add(rawToPadded(packed, size), true);
                 }
             } else {
                 in.u32(); // uncompressed size, not needed
                 const QByteArray bytes = in.bytes(qint64(node.length) - 4);
-                item->cacheId = s.cache.add(bytes, false);
+                item->cacheId = s.m_cache.add(bytes, false);
             }
             if (in.overrun())
                 warn(IssueLog::SpriteCut, int(i),
@@ -932,14 +924,14 @@ SffReader::Result SffReader::readV2(quint32 version)
         if (b.slices.empty())
             continue;
         ids.resize(b.slices.size());
-        s.cache.addSlices(wholeFile, b.slices.data(), qsizetype(b.slices.size()), ids.data());
+        s.m_cache.addSlices(wholeFile, b.slices.data(), qsizetype(b.slices.size()), ids.data());
         for (size_t k = 0; k < ids.size(); ++k)
             b.owners[k]->cacheId = ids[k];
     }
     return Loaded;
 }
 
-} // namespace
+} // namespace Sff
 
 QByteArray Sff::rawToPadded(const QByteArray &packed, const QSpriteSize &size)
 {
@@ -974,11 +966,11 @@ bool QSprites::fromFile(const QString &path, bool isCharacter, bool keepName)
     QBFCacheFilter::createFilters();
 
     const QString name = QFileInfo(path).fileName();
-    const QPaletteList keptPalettes = palettes;
+    const QPaletteList keptPalettes = m_palettes;
     clear();
-    undoEnabled = false;
+    m_undoEnabled = false;
     // The palette list is filled directly; its views hear of it once.
-    paletteObject.beginReset();
+    m_paletteObject.beginReset();
 
     // The whole file is read at once, in one call: the sweeps over it then
     // cost no system calls, every offset is checked against its size, and
@@ -993,14 +985,14 @@ bool QSprites::fromFile(const QString &path, bool isCharacter, bool keepName)
 
     ByteReader headIn(data, size);
     const Head head = Head::read(headIn);
-    version = head.version;
-    if (!head.signatureOk || !isSupported(head.version))
-        paletteObject.endReset();
+    m_version = head.version;
+    if (!head.signatureOk || !QSffVersion::isSupported(head.version))
+        m_paletteObject.endReset();
     if (!head.signatureOk)
         return false;
-    if (!isSupported(head.version)) {
-        if (messages)
-            messages->addError(QCoreApplication::translate("QSprites", "%1(0): SFF version '%2.%3.%4.%5' not supported yet")
+    if (!QSffVersion::isSupported(head.version)) {
+        if (m_messages)
+            m_messages->addError(QCoreApplication::translate("QSprites", "%1(0): SFF version '%2.%3.%4.%5' not supported yet")
                                    .arg(name)
                                    .arg(head.version >> 24)
                                    .arg((head.version >> 16) & 0xFF)
@@ -1011,14 +1003,14 @@ bool QSprites::fromFile(const QString &path, bool isCharacter, bool keepName)
 
     const auto result = reader.read(head.version, keptPalettes);
     reader.issues.finish();
-    paletteObject.endReset();
+    m_paletteObject.endReset();
     if (result == SffReader::Failed) {
         reader.owned.clear();
         clear();
         return false;
     }
     if (result == SffReader::Cancelled) {
-        undoEnabled = true;
+        m_undoEnabled = true;
         return true;
     }
 
@@ -1026,14 +1018,14 @@ bool QSprites::fromFile(const QString &path, bool isCharacter, bool keepName)
     if (!reader.owned.empty()) {
         const std::vector<QSpriteItem *> items = reader.owned.release();
         beginInsertRows(QModelIndex(), 0, int(items.size()) - 1);
-        sprites = QList<QSpriteItem *>(items.begin(), items.end());
+        m_sprites = QList<QSpriteItem *>(items.begin(), items.end());
         endInsertRows();
     }
-    undoEnabled = true;
+    m_undoEnabled = true;
 
     // Every link points straight at a sprite with an image and shows its
     // size; the readers refused chains that leave the list or circle.
-    QSpriteItem *const *items = sprites.constData();
+    QSpriteItem *const *items = m_sprites.constData();
     const int n = anyLink ? count() : 0;
     for (int i = 0; i < n; ++i)
         if (!items[i]->info.hasImage) {
@@ -1045,8 +1037,8 @@ bool QSprites::fromFile(const QString &path, bool isCharacter, bool keepName)
         }
 
     if (!keepName)
-        fileName = path;
-    modified = false;
+        m_fileName = path;
+    m_modified = false;
     emit changed();
     return true;
 }
@@ -1055,7 +1047,7 @@ bool QSprites::fromFile(const QString &path, bool isCharacter, bool keepName)
 // Writing
 // -------------------------------------------------------------------------
 
-namespace {
+namespace Sff {
 
 // A data block of the file being written, kept as pieces that point where
 // the bytes are (the stored bytes of sprites stay in the cache's arrays), then
@@ -1194,7 +1186,7 @@ class SffPlan
 {
 public:
     SffPlan(const QSprites &store, quint32 version, bool isCharacter)
-        : palettes(store.palettes), s(store), version(version), previous(store.version), isCharacter(isCharacter)
+        : palettes(store.m_palettes), s(store), version(version), previous(store.m_version), isCharacter(isCharacter)
     {
     }
 
@@ -1234,7 +1226,7 @@ QImage SffPlan::pixels(const Planned &p) const
     if (!item || item->cacheId == 0 || p.size.isEmpty())
         return QImage();
     QByteArray raw;
-    if (!s.cache.get(item->cacheId, raw, QBFCacheFilter::filter(item->filter), p.size))
+    if (!s.m_cache.get(item->cacheId, raw, QBFCacheFilter::filter(item->filter), p.size))
         return QImage();
     return p.size.toImage(raw);
 }
@@ -1261,7 +1253,7 @@ void SffPlan::build(bool fold, const std::function<void(uint)> &announce)
     const int n = s.count();
     sprites.resize(size_t(n));
     used.assign(size_t(n), std::nullopt);
-    QSpriteItem *const *items = s.sprites.constData();
+    QSpriteItem *const *items = s.m_sprites.constData();
     for (int i = 0; i < n; ++i) {
         const QSpriteItem *item = items[i];
         Planned &p = sprites[size_t(i)];
@@ -1303,9 +1295,9 @@ void SffPlan::build(bool fold, const std::function<void(uint)> &announce)
     }
 
     std::vector<char> lost(size_t(n), 0);
-    if (version == Version101 || version == Version200)
+    if (version == QSffVersion::V101 || version == QSffVersion::V200)
         reduceTo8Bits(lost);
-    if (version == Version101)
+    if (version == QSffVersion::V101)
         layoutVersion1(lost);
     for (int i = 0; i < n; ++i)
         if (lost[size_t(i)] || (sprites[size_t(i)].pixelsOf >= 0 && lost[size_t(sprites[size_t(i)].pixelsOf)]))
@@ -1369,7 +1361,7 @@ void SffPlan::foldDuplicates(std::vector<int> &foldedInto, const std::function<v
         size_t &h = full[size_t(i)];
         if (h == 0) {
             QByteArray bytes;
-            s.cache.get(s.sprites[i]->cacheId, bytes, byPass);
+            s.m_cache.get(s.m_sprites[i]->cacheId, bytes, byPass);
             h = qHash(bytes) | 1;
         }
         return h;
@@ -1383,7 +1375,7 @@ void SffPlan::foldDuplicates(std::vector<int> &foldedInto, const std::function<v
         std::vector<char> inMemory(size_t(n), 0);
         for (int i = 0; i < n; ++i)
             if (sprites[size_t(i)].source == i)
-                inMemory[size_t(i)] = s.cache.peek(s.sprites[i]->cacheId, views[size_t(i)]);
+                inMemory[size_t(i)] = s.m_cache.peek(s.m_sprites[i]->cacheId, views[size_t(i)]);
         constexpr int Ahead = 8;
         for (int i = 0; i < n; ++i) {
             if (i + Ahead < n && inMemory[size_t(i + Ahead)]) {
@@ -1394,30 +1386,30 @@ void SffPlan::foldDuplicates(std::vector<int> &foldedInto, const std::function<v
                     __builtin_prefetch(v.data() + v.size() - 1);
                 }
             }
-            const QSpriteItem *item = s.sprites[i];
+            const QSpriteItem *item = s.m_sprites[i];
             if (sprites[size_t(i)].source != i)
                 continue;
             if (inMemory[size_t(i)]) {
                 keys[size_t(i)] = cheapKey(*item, views[size_t(i)]);
             } else {
-                s.cache.get(item->cacheId, held, byPass, item->spriteSize());
+                s.m_cache.get(item->cacheId, held, byPass, item->spriteSize());
                 keys[size_t(i)] = cheapKey(*item, held);
             }
         }
     }
 
     for (int i = 0; i < n; ++i) {
-        const QSpriteItem *item = s.sprites[i];
+        const QSpriteItem *item = s.m_sprites[i];
         if (sprites[size_t(i)].source == i) {
             const size_t key = keys[size_t(i)];
             Place &place = placeOf(key);
             bool folded = false;
             for (int c = place.sprite; c >= 0; c = older[size_t(c)]) {
-                const QSpriteItem *other = s.sprites[c];
+                const QSpriteItem *other = s.m_sprites[c];
                 if (other->filter == item->filter && other->imageFormat == item->imageFormat
                     && other->width == item->width && other->height == item->height
                     && (item->imageFormat != QImage::Format_Indexed8 || other->info.palette == item->info.palette)
-                    && fullHash(c) == fullHash(i) && s.cache.same(other->cacheId, item->cacheId)) {
+                    && fullHash(c) == fullHash(i) && s.m_cache.same(other->cacheId, item->cacheId)) {
                     Planned &p = sprites[size_t(i)];
                     p.source = -1;
                     p.pixelsOf = c;
@@ -1451,7 +1443,7 @@ void SffPlan::reduceTo8Bits(std::vector<char> &lost)
         Planned &p = sprites[i];
         if (p.source != int(i) || p.size.imageFormat == QImage::Format_Indexed8)
             continue;
-        if (version == Version200 && previous == Version200 && s.sprites[int(i)]->filter == QBFCacheFilter::PNG)
+        if (version == QSffVersion::V200 && previous == QSffVersion::V200 && s.m_sprites[int(i)]->filter == QBFCacheFilter::PNG)
             continue;
         const QImage argb = pixels(p).convertToFormat(QImage::Format_ARGB32);
         QImage indexed(1, 1, QImage::Format_Indexed8);
@@ -1581,7 +1573,7 @@ void SffPlan::layoutVersion1(std::vector<char> &lost)
         const QSpriteItem *item = s.item(p.source);
         const bool storedPcx = p.image.isNull() && item && item->filter == QBFCacheFilter::PCX;
         if (storedPcx) {
-            s.cache.get(item->cacheId, stored, byPass);
+            s.m_cache.get(item->cacheId, stored, byPass);
             pcx = QPCXCacheFilter::layout(stored);
         }
         const bool canRetable = storedPcx && pcx.dataEnd >= 0;
@@ -1717,7 +1709,7 @@ quint8 SffWriter::chooseCode(QImage::Format format, int palette) const
     const QPaletteItem *pal = plan.palettes.item(palette);
     if (pal && pal->colorCount == 32)
         return CodeLZ5;
-    return version == Version200 ? CodeRLE8 : CodePNG8;
+    return version == QSffVersion::V200 ? CodeRLE8 : CodePNG8;
 }
 
 bool SffWriter::writeV1(QIODevice &out)
@@ -1753,7 +1745,7 @@ bool SffWriter::writeV1(QIODevice &out)
                     pcx.chop(768);
             } else {
                 const QSpriteItem *item = s.item(p.source);
-                if (!item || !s.cache.get(item->cacheId, pcx, byPass))
+                if (!item || !s.m_cache.get(item->cacheId, pcx, byPass))
                     return fail(i, "Failed to retrieve the image data from cache.");
                 if (p.data != Planned::Stored) {
                     const qsizetype end = QPCXCacheFilter::layout(pcx).dataEnd;
@@ -1846,7 +1838,7 @@ bool SffWriter::writeV2(QIODevice &out)
             }
             QByteArray bytes;
             if (current == code) {
-                if (!s.cache.get(item->cacheId, bytes, byPass, item->spriteSize()))
+                if (!s.m_cache.get(item->cacheId, bytes, byPass, item->spriteSize()))
                     return fail(i, "Failed to retrieve the image data from cache.");
             } else {
                 QImage image = plan.pixels(p);
@@ -1865,7 +1857,7 @@ bool SffWriter::writeV2(QIODevice &out)
                     if (fits)
                         bytes = QLZ5CacheFilter::encode(packed, lzSearch);
                     else
-                        code = version == Version200 ? CodeRLE8 : CodePNG8;
+                        code = version == QSffVersion::V200 ? CodeRLE8 : CodePNG8;
                 }
                 if (code == CodeRLE8) {
                     bytes = QRLE8CacheFilter::encode(QSpriteSize::packedPixels(image));
@@ -1908,15 +1900,15 @@ bool SffWriter::writeV2(QIODevice &out)
 quint32 versionToWrite(quint32 asked, quint32 current)
 {
     const quint32 v = asked != 0 ? asked : current;
-    return isSupported(v) ? v : Version201; // the one that holds every kind of sprite
+    return QSffVersion::isSupported(v) ? v : QSffVersion::V201; // the one that holds every kind of sprite
 }
 
-} // namespace
+} // namespace Sff
 
 QList<uint> QSprites::spritesChangedBy(quint32 newVersion, bool isCharacter) const
 {
     QBFCacheFilter::createFilters();
-    SffPlan plan(*this, versionToWrite(newVersion, version), isCharacter);
+    SffPlan plan(*this, versionToWrite(newVersion, m_version), isCharacter);
     plan.build(true, {});
     return plan.changed;
 }
@@ -1924,7 +1916,7 @@ QList<uint> QSprites::spritesChangedBy(quint32 newVersion, bool isCharacter) con
 bool QSprites::toFile(const QString &path, bool isCharacter, quint32 newVersion, bool lzSearch, bool temporary)
 {
     QBFCacheFilter::createFilters();
-    const quint32 target = versionToWrite(newVersion, version);
+    const quint32 target = versionToWrite(newVersion, m_version);
 
     // Everything the version needs is worked out on a copy: the store, its
     // cache and its undo stack come out of any save as they went in.
@@ -1934,7 +1926,7 @@ bool QSprites::toFile(const QString &path, bool isCharacter, quint32 newVersion,
         bool allow = true; // preparing can't be cancelled
         emit progress(pos, total, allow);
     });
-    if (target == Version101 && isCharacter) {
+    if (target == QSffVersion::V101 && isCharacter) {
         const QList<uint> outOfOrder = plan.outOfOrder();
         if (!outOfOrder.isEmpty())
             emit orderMustBeChanged(outOfOrder);
@@ -1950,7 +1942,7 @@ bool QSprites::toFile(const QString &path, bool isCharacter, quint32 newVersion,
     SffWriter writer(*this, plan, target, lzSearch);
     bool allow = true;
     emit progress(uint(count()), writer.total, allow);
-    const bool written = allow && (target == Version101 ? writer.writeV1(file) : writer.writeV2(file));
+    const bool written = allow && (target == QSffVersion::V101 ? writer.writeV1(file) : writer.writeV2(file));
     if (!written) {
         const QString reason = file.errorString();
         file.cancelWriting();
@@ -1968,9 +1960,9 @@ bool QSprites::toFile(const QString &path, bool isCharacter, quint32 newVersion,
     // A test copy or a backup is no save of the store's own.
     if (temporary)
         return true;
-    fileName = path;
-    version = target;
-    modified = false;
+    m_fileName = path;
+    m_version = target;
+    m_modified = false;
     emit changed();
     return true;
 }

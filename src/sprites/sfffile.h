@@ -6,6 +6,7 @@
 #include <QtEndian>
 #include <QtGlobal>
 
+#include "sprites/qsffversion.h"
 #include "sprites/qspritesize.h"
 
 // The SFF sprite container, versions 1.01, 2.00 and 2.01: byte layout and the
@@ -17,10 +18,6 @@
 // make the loader look outside its buffer.
 namespace Sff {
 
-constexpr quint32 Version101 = 0x01000100;
-constexpr quint32 Version200 = 0x02000000;
-constexpr quint32 Version201 = 0x02000100;
-
 constexpr int HeaderSize = 512;
 constexpr int SubheaderSize = 32;
 constexpr int PaletteNodeSize = 16;
@@ -31,9 +28,6 @@ constexpr int CommentSize = 76;
 QByteArray signature();
 // Three lines naming the maker, zero-terminated, CommentSize bytes.
 QByteArray comment();
-// "1.0.1.0" style text of a version word, top byte first.
-QString versionText(quint32 version);
-bool isSupported(quint32 version);
 
 // Sprite node format codes.
 enum FormatCode : quint8 {

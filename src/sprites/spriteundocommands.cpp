@@ -4,16 +4,6 @@
 #include "sprites/qspritecache.h"
 #include "sprites/qsprites.h"
 
-namespace {
-// The shared cache of undo images; made on first use when start-up didn't.
-QSpriteCache *undoCache()
-{
-    if (QSpriteCache *c = QSpriteCache::undoCache())
-        return c;
-    return QSpriteCache::createUndoCache();
-}
-} // namespace
-
 SpriteUndoCommand::SpriteUndoCommand(QSprites *s, quint32 i, const QString &text, QUndoCommand *parent)
     : QUndoCommand(text, parent), sprites(s), index(i)
 {
@@ -28,14 +18,14 @@ void SpriteUndoCommand::redo()
     doRedo();
 }
 
-SpriteUndoCommand::Replay::Replay(QSprites *s) : m_sprites(s), m_was(s->undoEnabled)
+SpriteUndoCommand::Replay::Replay(QSprites *s) : m_sprites(s), m_was(s->undoEnabled())
 {
-    s->undoEnabled = false;
+    s->setUndoEnabled(false);
 }
 
 SpriteUndoCommand::Replay::~Replay()
 {
-    m_sprites->undoEnabled = m_was;
+    m_sprites->setUndoEnabled(m_was);
 }
 
 // --- move ----------------------------------------------------------------------
@@ -85,21 +75,20 @@ SpriteChangeImage::SpriteChangeImage(QSprites *s, quint32 i, const QString &text
 SpriteChangeImage::~SpriteChangeImage()
 {
     if (undoId)
-        if (QSpriteCache *c = QSpriteCache::undoCache())
-            c->remove(undoId);
+        sprites->undoCache()->remove(undoId);
 }
 
 void SpriteChangeImage::hold(int sprite)
 {
     const QSpriteItem *it = sprites->item(sprite);
-    QSpriteCache *c = undoCache();
+    QSpriteCache *c = sprites->undoCache();
     if (it) {
         filter = it->filter;
         width = it->width;
         height = it->height;
         imageFormat = it->imageFormat;
     }
-    hasEntry = it && it->cacheId && sprites->cache.contains(it->cacheId);
+    hasEntry = it && it->cacheId && sprites->cache().contains(it->cacheId);
     if (!hasEntry) {
         if (undoId)
             c->remove(undoId);
@@ -107,14 +96,14 @@ void SpriteChangeImage::hold(int sprite)
         return;
     }
     // Stored bytes go across as they are; compressed entries stay compressed.
-    if (undoId && c->replaceEntry(undoId, sprites->cache, it->cacheId))
+    if (undoId && c->replaceEntry(undoId, sprites->cache(), it->cacheId))
         return;
-    undoId = c->copyEntry(sprites->cache, it->cacheId);
+    undoId = c->copyEntry(sprites->cache(), it->cacheId);
 }
 
 void SpriteChangeImage::giveTo(int sprite) const
 {
-    const quint32 id = hasEntry ? sprites->cache.copyEntry(*undoCache(), undoId) : 0;
+    const quint32 id = hasEntry ? sprites->cache().copyEntry(*sprites->undoCache(), undoId) : 0;
     sprites->adoptEntry(sprite, id, filter, QSpriteSize(width, height, imageFormat));
 }
 
@@ -124,7 +113,7 @@ void SpriteChangeImage::swapImage()
     if (!sprites->item(i))
         return;
     // Take the held image out before holding the current one in its place.
-    const quint32 id = hasEntry ? sprites->cache.copyEntry(*undoCache(), undoId) : 0;
+    const quint32 id = hasEntry ? sprites->cache().copyEntry(*sprites->undoCache(), undoId) : 0;
     const quint16 f = filter;
     const QSpriteSize size(width, height, imageFormat);
     hold(i);
@@ -202,7 +191,7 @@ void SpriteRemove::doRedo()
 
 PaletteChange::PaletteChange(QSprites *s, const QString &text, const QPaletteList &b,
                              const QList<int> &sb)
-    : SpriteUndoCommand(s, 0, text), before(b), after(s->palettes), spritesBefore(sb),
+    : SpriteUndoCommand(s, 0, text), before(b), after(s->palettes()), spritesBefore(sb),
       spritesAfter(s->spritePaletteIndices())
 {
 }
@@ -210,19 +199,13 @@ PaletteChange::PaletteChange(QSprites *s, const QString &text, const QPaletteLis
 void PaletteChange::undo()
 {
     Replay r(sprites);
-    sprites->paletteObject.beginReset();
-    sprites->palettes = before;
-    sprites->setSpritePaletteIndices(spritesBefore);
-    sprites->paletteObject.endReset();
+    sprites->restorePalettes(before, spritesBefore);
     sprites->touch();
 }
 
 void PaletteChange::doRedo()
 {
     Replay r(sprites);
-    sprites->paletteObject.beginReset();
-    sprites->palettes = after;
-    sprites->setSpritePaletteIndices(spritesAfter);
-    sprites->paletteObject.endReset();
+    sprites->restorePalettes(after, spritesAfter);
     sprites->touch();
 }

@@ -3,7 +3,7 @@
 // content and over damaged copies of it.
 #include "testsupport.h"
 
-#include "core/qmessages.h"
+#include "base/qmessages.h"
 #include "sprites/qsprites.h"
 
 #include <QCoreApplication>
@@ -21,6 +21,9 @@
 #include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QtTest>
+
+using TestSupport::readAll;
+using TestSupport::writeAll;
 
 namespace {
 
@@ -103,17 +106,7 @@ QStringList sampleSpriteFiles()
     return files;
 }
 
-QByteArray readAll(const QString &path)
-{
-    QFile f(path);
-    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
-}
 
-bool writeAll(const QString &path, const QByteArray &bytes)
-{
-    QFile f(path);
-    return f.open(QIODevice::WriteOnly) && f.write(bytes) == bytes.size();
-}
 
 quint32 word32(const QByteArray &b, qsizetype at)
 {
@@ -181,6 +174,7 @@ private slots:
     void damagedSpriteFiles();
     void definitionsInfo();
     void projectInfo();
+    void renderSprites();
     void animationsOverSample();
 };
 
@@ -196,42 +190,23 @@ void TestCli::usageHelpAndVersion_data()
     QTest::addColumn<QString>("stdoutHas");   // empty: stdout must be empty
     QTest::addColumn<QString>("stderrHas");   // empty: stderr must be empty
 
+    // Help goes to stdout with exit 0, even before other checks; a usage
+    // error is one line on stderr with exit 2; only the bare call shows the
+    // whole help there.
     const QString version = QStringLiteral("<version>"); // one line, checked by pattern below
     QTest::newRow("no arguments") << QStringList{} << 2 << QString() << "Usage: brawlforge-cli COMMAND";
     QTest::newRow("--help") << QStringList{"--help"} << 0 << "sprites convert IN.sff" << QString();
-    QTest::newRow("-h") << QStringList{"-h"} << 0 << "project info FILE.def" << QString();
-    QTest::newRow("help word") << QStringList{"help"} << 0 << "Exit codes:" << QString();
     QTest::newRow("--version") << QStringList{"--version"} << 0 << version << QString();
-    QTest::newRow("info --help") << QStringList{"info", "--help"} << 0 << "Usage: brawlforge-cli info FILE" << QString();
-    QTest::newRow("info --version") << QStringList{"info", "--version"} << 0 << version << QString();
-    QTest::newRow("sprites --help") << QStringList{"sprites", "--help"} << 0 << "sprites export FILE.sff" << QString();
     QTest::newRow("export --help") << QStringList{"sprites", "export", "-h"} << 0 << "sprites.txt" << QString();
-    QTest::newRow("export --version") << QStringList{"sprites", "export", "--version"} << 0 << version << QString();
-    QTest::newRow("convert --help") << QStringList{"sprites", "convert", "--help"} << 0 << "--to VERSION" << QString();
-    QTest::newRow("project --help") << QStringList{"project", "--help"} << 0 << "project info FILE.def" << QString();
-    QTest::newRow("project info --help") << QStringList{"project", "info", "--help"} << 0 << "every issue" << QString();
     QTest::newRow("project info --version") << QStringList{"project", "info", "--version"} << 0 << version << QString();
-    // Help wins over missing arguments, as a user trying to find out expects.
     QTest::newRow("help before checks") << QStringList{"info", "--help", "a", "b"} << 0 << "--json" << QString();
-
     QTest::newRow("unknown command") << QStringList{"frobnicate"} << 2 << QString() << "unknown command 'frobnicate'";
-    QTest::newRow("unknown tool option") << QStringList{"--frob"} << 2 << QString() << "unknown option '--frob'";
     QTest::newRow("unknown sprites command") << QStringList{"sprites", "melt"} << 2 << QString()
                                              << "unknown command 'sprites melt'";
-    QTest::newRow("sprites alone") << QStringList{"sprites"} << 2 << QString() << "missing command";
-    QTest::newRow("project alone") << QStringList{"project"} << 2 << QString() << "missing command";
-    QTest::newRow("info without file") << QStringList{"info"} << 2 << QString() << "missing FILE";
     QTest::newRow("info two files") << QStringList{"info", "a", "b"} << 2 << QString() << "unexpected argument 'b'";
-    QTest::newRow("info unknown option") << QStringList{"info", "x", "--jsn"} << 2 << QString()
-                                         << "unknown option '--jsn'";
     QTest::newRow("flag with value") << QStringList{"info", "x", "--json=yes"} << 2 << QString() << "takes no value";
-    QTest::newRow("export without outdir") << QStringList{"sprites", "export", "a.sff"} << 2 << QString()
-                                           << "missing OUTDIR";
-    QTest::newRow("convert without --to") << QStringList{"sprites", "convert", "a.sff", "b.sff"} << 2 << QString()
-                                          << "--to";
     QTest::newRow("convert bad version") << QStringList{"sprites", "convert", "a.sff", "b.sff", "--to=3.00"} << 2
                                          << QString() << "3.00";
-    QTest::newRow("project info without file") << QStringList{"project", "info"} << 2 << QString() << "missing FILE.def";
 }
 
 void TestCli::usageHelpAndVersion()
@@ -306,7 +281,7 @@ void TestCli::infoOverSample()
     for (const QString &path : files) {
         QMessages messages;
         QSprites store;
-        store.messages = &messages;
+        store.setMessages(&messages);
         QVERIFY2(store.fromFile(path, false, true), qPrintable(path));
 
         const Run r = runTool({QStringLiteral("info"), path, QStringLiteral("--json")});
@@ -330,32 +305,17 @@ void TestCli::infoOverSample()
         for (int i = 0; i < store.count(); ++i) {
             const QSpriteItem &item = *store.item(i);
             const QJsonObject js = sprites.at(i).toObject();
-            const QString where = QStringLiteral("%1 sprite %2").arg(path).arg(i);
-            QVERIFY2(js.value("index").toInt() == i, qPrintable(where));
-            QVERIFY2(js.value("group").toInt() == item.info.group && js.value("number").toInt() == item.info.number,
-                     qPrintable(where));
-            QVERIFY2(js.value("x").toInt() == item.info.x && js.value("y").toInt() == item.info.y, qPrintable(where));
-            QVERIFY2(js.value("width").toInt() == item.width && js.value("height").toInt() == item.height,
-                     qPrintable(where));
-            if (item.isLink()) {
-                ++linked;
-                QVERIFY2(js.value("link").toInt(-1) == item.info.link, qPrintable(where));
-                QVERIFY2(js.value("format").toString() == QLatin1String("link"), qPrintable(where));
-            } else {
-                QVERIFY2(js.value("link").isNull(), qPrintable(where));
-            }
-            const int depth = js.value("depth").toInt();
-            QVERIFY2(depth == 8 || depth == 24 || depth == 32, qPrintable(where));
-            const QJsonValue pal = js.value("palette");
-            if (item.info.palette < store.paletteCount()) {
-                const QPaletteInfo pi = store.paletteInfo(item.info.palette);
-                QVERIFY2(pal.toObject().value("index").toInt() == item.info.palette
-                             && pal.toObject().value("group").toInt() == pi.group
-                             && pal.toObject().value("number").toInt() == pi.number,
-                         qPrintable(where));
-            } else {
-                QVERIFY2(pal.isNull(), qPrintable(where));
-            }
+            const QJsonObject pal = js.value("palette").toObject();
+            linked += item.isLink();
+            QVERIFY2(js.value("index").toInt() == i && js.value("group").toInt() == item.info.group
+                         && js.value("number").toInt() == item.info.number && js.value("x").toInt() == item.info.x
+                         && js.value("y").toInt() == item.info.y && js.value("width").toInt() == item.width
+                         && js.value("height").toInt() == item.height
+                         && js.value("link").toInt(-1) == (item.isLink() ? item.info.link : -1)
+                         && (item.info.palette < store.paletteCount()
+                                 ? pal.value("group").toInt() == store.paletteInfo(item.info.palette).group
+                                 : js.value("palette").isNull()),
+                     qPrintable(QStringLiteral("%1 sprite %2").arg(path).arg(i)));
         }
         QCOMPARE(o.value("linkedCount").toInt(), linked);
     }
@@ -395,7 +355,7 @@ void TestCli::exportMatchesStore()
         QVERIFY(out.isValid());
         QMessages messages;
         QSprites store;
-        store.messages = &messages;
+        store.setMessages(&messages);
         QVERIFY2(store.fromFile(path, isCharacter, true), qPrintable(path));
 
         QStringList args{QStringLiteral("sprites"), QStringLiteral("export"), path, out.path()};
@@ -491,10 +451,10 @@ void TestCli::convertVersions()
     QVERIFY(original.fromFile(source, false, true));
 
     const QList<QPair<QString, quint32>> targets = {
-        {QStringLiteral("1.01"), QSprites::Version101},
-        {QStringLiteral("2.00"), QSprites::Version200},
-        {QStringLiteral("2.01"), QSprites::Version201},
-        {QStringLiteral("2.0.1.0"), QSprites::Version201},
+        {QStringLiteral("1.01"), QSffVersion::V101},
+        {QStringLiteral("2.00"), QSffVersion::V200},
+        {QStringLiteral("2.01"), QSffVersion::V201},
+        {QStringLiteral("2.0.1.0"), QSffVersion::V201},
     };
     for (const auto &[name, word] : targets) {
         const QString out = dir.filePath(QStringLiteral("kfm-%1.sff").arg(name));
@@ -512,7 +472,7 @@ void TestCli::convertVersions()
             // Indexed sprites keep their indices and colours in every version.
             // (The 8-bit versions give colour 0 of a palette no alpha of its own.)
             if (a.format() == QImage::Format_Indexed8) {
-                const QString diff = imageDifference(b, a, word == QSprites::Version201);
+                const QString diff = imageDifference(b, a, word == QSffVersion::V201);
                 QVERIFY2(diff.isEmpty(), qPrintable(QStringLiteral("%1 sprite %2: %3").arg(name).arg(i).arg(diff)));
             }
         }
@@ -531,7 +491,7 @@ void TestCli::convertVersions()
                          QStringLiteral("--to"), QStringLiteral("2.00")}), 0);
     QSprites inplace;
     QVERIFY(inplace.fromFile(copy, false, true));
-    QCOMPARE(inplace.version, QSprites::Version200);
+    QCOMPARE(inplace.version(), QSffVersion::V200);
     QCOMPARE(inplace.count(), original.count());
 
     // What a version can't hold is said before the file is written, and the
@@ -563,183 +523,93 @@ void TestCli::convertVersions()
 void TestCli::damagedSpriteFiles_data()
 {
     QTest::addColumn<QString>("source");
-    QTest::addColumn<int>("flipRuns");      // files with random bit flips
-    QTest::addColumn<bool>("structural");   // huge counts, far offsets, bad links
-    // Small files of each version keep the number of runs affordable.
-    QTest::newRow("1.01") << QStringLiteral("data/kfm/gameover.sff") << 8 << true;
-    QTest::newRow("2.00") << QStringLiteral("stages/stage0.sff") << 8 << true;
-    QTest::newRow("2.00 raw") << QStringLiteral("font/f-4x6.sff") << 4 << false;
-    QTest::newRow("2.01") << QStringLiteral("chars/kfm/kfm.sff") << 0 << true;
+    QTest::newRow("1.01") << QStringLiteral("data/kfm/gameover.sff");
+    QTest::newRow("2.00") << QStringLiteral("stages/stage0.sff");
 }
 
+// The readers themselves are held to damage by their own tests and the fuzz
+// corpora; here the tool must turn any of it into an exit code and words.
 void TestCli::damagedSpriteFiles()
 {
     BF_REQUIRE_SAMPLE();
     QFETCH(QString, source);
-    QFETCH(int, flipRuns);
-    QFETCH(bool, structural);
     QTemporaryDir dir;
-    QVERIFY(dir.isValid());
-
+    const QByteArray good = readAll(TestSupport::samplePath(source));
+    QVERIFY2(good.size() > 600, qPrintable(source));
     struct Damaged
     {
         QString name;
         QByteArray bytes;
-        bool mustFail = false; // refused as a whole: exit 2
+        int code; // -1: 1 or 2 will do
     };
     QList<Damaged> cases;
-    QRandomGenerator random(20240611); // fixed: a failure must be reproducible
-
-    const QByteArray good = readAll(TestSupport::samplePath(source));
-    QVERIFY2(good.size() > 600, qPrintable(source));
-    const bool v1 = word32(good, 12) == QSprites::Version101;
-
-    for (qsizetype cut : {qsizetype(13), qsizetype(40), qsizetype(511), qsizetype(530), good.size() / 2,
-                          good.size() - 1})
-        cases.append({QStringLiteral("cut at %1").arg(cut), good.left(cut)});
-
-    for (int n = 0; n < flipRuns; ++n) {
-        QByteArray bytes = good;
-        const int flips = 1 + int(random.bounded(8));
-        // Most flips land in the header and tables, where they matter most.
-        const qsizetype span = n % 3 == 0 ? bytes.size() : qMin<qsizetype>(bytes.size(), 1200);
-        for (int k = 0; k < flips; ++k) {
-            const qsizetype at = 16 + qsizetype(random.bounded(quint32(span - 16)));
-            bytes[at] = char(bytes.at(at) ^ (1 << random.bounded(8)));
-        }
-        cases.append({QStringLiteral("flipped #%1").arg(n), bytes});
-    }
-
-    if (structural && v1) {
-        QByteArray huge = good;
-        putWord32(huge, 20, 0x7FFFFFFF);
-        cases.append({QStringLiteral("huge image count"), huge});
-        QByteArray hugeLength = good;
-        putWord32(hugeLength, 512 + 4, 0xFFFFFFF0);
-        putWord32(hugeLength, 512, 0);
-        cases.append({QStringLiteral("huge data length"), hugeLength});
-        // The first sprite linked to one that comes later.
-        QByteArray forward = good;
+    for (qsizetype cut : {qsizetype(40), qsizetype(530), good.size() / 2})
+        cases.append({QStringLiteral("cut at %1").arg(cut), good.left(cut), -1});
+    if (word32(good, 12) == QSffVersion::V101) {
+        QByteArray forward = good; // the first sprite linked to a later one
         putWord32(forward, 512 + 4, 0);
         putWord16(forward, 512 + 16, 5);
-        cases.append({QStringLiteral("forward link"), forward, true});
-    } else if (structural) {
-        const quint32 spriteTable = word32(good, 36);
-        QVERIFY(word32(good, 40) >= 2);
-        for (quint32 field : {40u, 48u}) {
-            QByteArray huge = good;
-            putWord32(huge, field, 0xFFFFFFFF);
-            cases.append({QStringLiteral("huge count at %1").arg(field), huge});
-        }
-        for (quint32 field : {36u, 44u, 52u, 60u}) {
-            QByteArray far = good;
-            putWord32(far, field, 0xFFFFFF00);
-            cases.append({QStringLiteral("far offset at %1").arg(field), far});
-        }
-        QByteArray bigNode = good;
-        putWord32(bigNode, spriteTable + 20, 0x7FFFFFFF);
-        putWord16(bigNode, spriteTable + 4, 0xFFFF);
-        putWord16(bigNode, spriteTable + 6, 0xFFFF);
-        cases.append({QStringLiteral("huge sprite"), bigNode});
-        // A link to a later sprite and one to the sprite itself (an empty sprite)
-        // may be read; links out of the list must be refused.
-        const struct { int sprite; quint16 target; bool refused; } links[] = {
-            {0, 1, false}, {1, 1, false}, {0, 0xFFFF, true}, {1, 0x7FFF, true}};
-        for (const auto &l : links) {
-            QByteArray linked = good;
-            putWord32(linked, spriteTable + 28 * l.sprite + 20, 0);
-            putWord16(linked, spriteTable + 28 * l.sprite + 12, l.target);
-            cases.append({QStringLiteral("sprite %1 linked to %2").arg(l.sprite).arg(l.target), linked, l.refused});
-        }
-        // Two sprites linked to each other.
-        QByteArray cycle = good;
-        putWord32(cycle, spriteTable + 20, 0);
-        putWord16(cycle, spriteTable + 12, 1);
-        putWord32(cycle, spriteTable + 28 + 20, 0);
-        putWord16(cycle, spriteTable + 28 + 12, 0);
-        cases.append({QStringLiteral("link cycle"), cycle, true});
+        cases.append({QStringLiteral("forward link"), forward, 2});
+    } else {
+        const quint32 table = word32(good, 36);
+        QByteArray big = good;
+        putWord32(big, table + 20, 0x7FFFFFFF);
+        putWord16(big, table + 4, 0xFFFF);
+        putWord16(big, table + 6, 0xFFFF);
+        cases.append({QStringLiteral("huge sprite"), big, 1});
+        QByteArray cycle = good; // two sprites linked to each other
+        putWord32(cycle, table + 20, 0);
+        putWord16(cycle, table + 12, 1);
+        putWord32(cycle, table + 28 + 20, 0);
+        putWord16(cycle, table + 28 + 12, 0);
+        cases.append({QStringLiteral("link cycle"), cycle, 2});
     }
-
-    int refused = 0;
     for (qsizetype n = 0; n < cases.size(); ++n) {
         const Damaged &c = cases.at(n);
         const QString path = dir.filePath(QStringLiteral("damaged%1.sff").arg(n));
         QVERIFY(writeAll(path, c.bytes));
         const QString out = dir.filePath(QStringLiteral("out%1").arg(n));
-
         const Run info = runTool({QStringLiteral("info"), path, QStringLiteral("--json")});
-        QVERIFY2(!info.crashed && info.code >= 0 && info.code <= 2, qPrintable(c.name + "\n" + describe(info)));
-        if (c.mustFail)
-            QVERIFY2(info.code == 2 && !info.err.isEmpty(), qPrintable(c.name + "\n" + describe(info)));
-        if (info.code == 2) {
-            ++refused;
-            QVERIFY2(info.out.isEmpty(), qPrintable(c.name));
-            QVERIFY2(info.err.contains("brawlforge-cli: "), qPrintable(c.name + "\n" + describe(info)));
-        } else {
-            QVERIFY2(QJsonDocument::fromJson(info.out).isObject(), qPrintable(c.name));
-
-        }
-
         const Run exported = runTool({QStringLiteral("sprites"), QStringLiteral("export"), path, out});
-        QVERIFY2(!exported.crashed && exported.code >= 0 && exported.code <= 2,
-                 qPrintable(c.name + "\n" + describe(exported)));
-        // Whatever info said about the file, export says too.
-        QVERIFY2((exported.code == 2) == (info.code == 2), qPrintable(c.name + "\n" + describe(exported)));
-        if (exported.code != 2)
-            QVERIFY2(QFileInfo::exists(out + QStringLiteral("/sprites.txt")), qPrintable(c.name));
-        if (c.name == QLatin1String("huge sprite"))
-            QVERIFY2(exported.code == 1 && exported.err.contains("claims 65535x65535 pixels"),
-                     qPrintable(c.name + "\n" + describe(exported)));
-
         const Run converted = runTool({QStringLiteral("sprites"), QStringLiteral("convert"), path,
-                                       out + QStringLiteral(".sff"), QStringLiteral("--to"),
-                                       n % 2 ? QStringLiteral("1.01") : QStringLiteral("2.01")});
-        QVERIFY2(!converted.crashed && converted.code >= 0 && converted.code <= 2,
-                 qPrintable(c.name + "\n" + describe(converted)));
+                                       out + QStringLiteral(".sff"), QStringLiteral("--to"), QStringLiteral("2.01")});
+        for (const Run *r : {&info, &exported, &converted}) {
+            QVERIFY2(!r->crashed && r->code >= 0 && r->code <= 2, qPrintable(c.name + "\n" + describe(*r)));
+            // Refused as a whole: a line that says so.
+            QVERIFY2(r->code != 2 || r->err.contains("brawlforge-cli: "), qPrintable(describe(*r)));
+        }
+        // What info says of the file, export says too; convert may refuse more.
+        QVERIFY2((exported.code == 2) == (info.code == 2), qPrintable(c.name + "\n" + describe(exported)));
+        QVERIFY2(info.code != 2 || converted.code == 2, qPrintable(c.name + "\n" + describe(converted)));
+        QVERIFY2(c.code < 0 || info.code == c.code, qPrintable(c.name + "\n" + describe(info)));
+        QCOMPARE(QFileInfo::exists(out + QStringLiteral("/sprites.txt")), info.code != 2);
+        if (c.name == QLatin1String("huge sprite"))
+            QVERIFY2(exported.err.contains("claims 65535x65535 pixels"), qPrintable(describe(exported)));
     }
-    qInfo("%lld damaged files, %d refused as a whole", qlonglong(cases.size()), refused);
 }
 
 void TestCli::definitionsInfo()
 {
+    // What the model makes of every DEF is the project tests' business; here
+    // the two forms the tool shows it in.
     BF_REQUIRE_SAMPLE();
-    struct Expected { const char *def; const char *type; const char *version; int width; int height; };
-    const Expected cases[] = {
-        {"chars/kfm/kfm.def", "Character", "1.0", 320, 240},
-        {"chars/kfm720/kfm720.def", "Character", "1.0", 1280, 720},
-        {"chars/kfm/intro.def", "Storyboard", nullptr, 0, 0},
-        {"stages/stage0.def", "Stage", "1.0", 320, 240},
-        {"font/f-4x6.def", "Font", nullptr, 0, 0},
-    };
-    for (const Expected &e : cases) {
-        const QString path = TestSupport::samplePath(QString::fromLatin1(e.def));
-        const Run r = runTool({QStringLiteral("info"), path, QStringLiteral("--json")});
-        EXPECT_EXIT(r, 0);
-        const QJsonObject o = QJsonDocument::fromJson(r.out).object();
-        QCOMPARE(o.value("kind").toString(), QStringLiteral("definitions"));
-        QCOMPARE(o.value("type").toString(), QString::fromLatin1(e.type));
-        if (e.version) {
-            QCOMPARE(o.value("version").toString(), QString::fromLatin1(e.version));
-            QCOMPARE(o.value("localCoord").toObject().value("width").toInt(), e.width);
-            QCOMPARE(o.value("localCoord").toObject().value("height").toInt(), e.height);
-        }
-        // Every DEF of the sample names its sprite file, and it is there.
-        bool spritesFound = false;
-        for (const QJsonValue &v : o.value("files").toArray()) {
-            const QJsonObject f = v.toObject();
-            QCOMPARE(f.value("exists").toBool(), QFileInfo(f.value("path").toString()).isFile());
-            if (f.value("slot").toString() == QLatin1String("sprites"))
-                spritesFound = f.value("exists").toBool();
-        }
-        QVERIFY2(spritesFound, e.def);
+    const QString def = TestSupport::samplePath(QStringLiteral("chars/kfm720/kfm720.def"));
+    const Run r = runTool({QStringLiteral("info"), def, QStringLiteral("--json")});
+    EXPECT_EXIT(r, 0);
+    const QJsonObject o = QJsonDocument::fromJson(r.out).object();
+    QCOMPARE(o.value("kind").toString(), QStringLiteral("definitions"));
+    QCOMPARE(o.value("type").toString(), QStringLiteral("Character"));
+    QCOMPARE(o.value("localCoord").toObject().value("width").toInt(), 1280);
+    for (const QJsonValue &v : o.value("files").toArray()) {
+        const QJsonObject f = v.toObject();
+        QCOMPARE(f.value("exists").toBool(), QFileInfo(f.value("path").toString()).isFile());
     }
 
     // The character's files: found ones and the common states the engine keeps elsewhere.
     const Run t = runTool({QStringLiteral("info"), TestSupport::samplePath(QStringLiteral("chars/kfm/kfm.def"))});
     EXPECT_EXIT(t, 0);
     for (const char *line : {"Type:      Character\n", "Version:   1.0 (1.0.0.0)\n", "Local:     320x240\n",
-                             "  sprites     found   kfm.sff\n", "  commands    found   kfm.cmd\n",
-                             "  states      found   kfm.cns\n", "  states      missing common1.cns\n"})
+                             "  sprites     found   kfm.sff\n", "  states      missing common1.cns\n"})
         QVERIFY2(t.out.contains(line), qPrintable(QString::fromUtf8(t.out) + "\nlacks: " + line));
     QCOMPARE(t.out.count("kfm.cns\n"), 1); // named twice in the DEF, listed once
 }
@@ -815,6 +685,56 @@ void TestCli::projectInfo()
             QVERIFY2(!r.crashed && r.code >= 0 && r.code <= 2, qPrintable(describe(r)));
         }
     }
+}
+
+void TestCli::renderSprites()
+{
+    BF_REQUIRE_SAMPLE();
+    const QString sff = TestSupport::samplePath(QStringLiteral("chars/kfm/kfm.sff"));
+    const QString def = TestSupport::samplePath(QStringLiteral("chars/kfm/kfm.def"));
+    QTemporaryDir dir;
+    QVERIFY(dir.isValid());
+    QSprites store;
+    QVERIFY(store.fromFile(sff, true, true));
+    const QSpriteItem *stand = store.item(store.findSprite(0, 0, 0));
+    const QSize size(stand->width, stand->height);
+
+    // The sprite alone: its own size times the zoom, with transparency.
+    const QString alone = dir.filePath(QStringLiteral("alone.png"));
+    Run r = runTool({QStringLiteral("sprites"), QStringLiteral("render"), sff, QStringLiteral("0,0"), alone});
+    EXPECT_EXIT(r, 0);
+    QVERIFY2(r.err.isEmpty(), r.err.constData());
+    QImage picture(alone);
+    QCOMPARE(picture.size(), size);
+    QVERIFY(picture.hasAlphaChannel());
+    QCOMPARE(qAlpha(picture.pixel(0, 0)), 0);
+    r = runTool({QStringLiteral("sprites"), QStringLiteral("render"), def, QStringLiteral("0,0"), alone,
+                 QStringLiteral("--zoom"), QStringLiteral("2"), QStringLiteral("--palette"), QStringLiteral("1,1")});
+    EXPECT_EXIT(r, 0);
+    QCOMPARE(QImage(alone).size(), size * 2);
+
+    // On the stage: background everywhere, larger than the sprite.
+    const QString staged = dir.filePath(QStringLiteral("stage.png"));
+    r = runTool({QStringLiteral("sprites"), QStringLiteral("render"), def, QStringLiteral("0,0"), staged, QStringLiteral("--stage")});
+    EXPECT_EXIT(r, 0);
+    picture = QImage(staged);
+    QVERIFY(picture.width() >= 320 && picture.height() > size.height());
+    QCOMPARE(qAlpha(picture.pixel(picture.width() - 1, picture.height() - 1)), 255);
+
+    // Failures leave the output as it was.
+    const QByteArray before = readAll(alone);
+    const QList<QStringList> bad = {
+        {sff, QStringLiteral("9999,9"), alone},
+        {sff, QStringLiteral("0,0"), alone, QStringLiteral("--palette"), QStringLiteral("77,77")},
+        {sff, QStringLiteral("0,0"), alone, QStringLiteral("--zoom"), QStringLiteral("9")},
+        {sff, QStringLiteral("zero"), alone},
+    };
+    for (const QStringList &args : bad) {
+        r = runTool(QStringList{QStringLiteral("sprites"), QStringLiteral("render")} + args);
+        EXPECT_EXIT(r, 2);
+        QVERIFY2(r.err.count('\n') <= 2 && !r.err.isEmpty(), r.err.constData());
+    }
+    QCOMPARE(readAll(alone), before);
 }
 
 // The actions of `animations info --json`, or an empty array with the failure.

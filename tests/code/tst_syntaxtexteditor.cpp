@@ -1,5 +1,7 @@
 #include <QtTest>
 
+#include "testsupport.h"
+
 #include "code/qmugensyntaxhierarchy.h"
 #include "code/qsyntaxtexteditor.h"
 #include "code/qtextencoding.h"
@@ -9,21 +11,8 @@
 #include <QTextCodec>
 #include <QTextDocument>
 
-namespace {
-
-QByteArray readAll(const QString &path)
-{
-    QFile f(path);
-    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray("<unreadable>");
-}
-
-bool writeAll(const QString &path, const QByteArray &bytes)
-{
-    QFile f(path);
-    return f.open(QIODevice::WriteOnly) && f.write(bytes) == bytes.size();
-}
-
-} // namespace
+using TestSupport::readAll;
+using TestSupport::writeAll;
 
 class TestSyntaxTextEditor : public QObject
 {

@@ -1,15 +1,14 @@
 #include <QSignalSpy>
 #include <QtTest>
 
+#include "palettesupport.h"
+
 #include "sprites/qpaletteitem.h"
 #include "sprites/qpalettelist.h"
 #include "sprites/qremapmodel.h"
 #include "sprites/qrgbpalette.h"
 
-static QRGBColor rgb(int r, int g, int b, int a = 255)
-{
-    return QRGBColor{quint8(r), quint8(g), quint8(b), quint8(a)};
-}
+using TestSupport::rgb;
 
 // Every entry a different colour, so that moves and duplicates are visible.
 static QRGBPal distinct()
@@ -28,14 +27,6 @@ static QRGBPal filled(QRGBColor c)
     return p;
 }
 
-namespace QTest {
-template<>
-char *toString(const QRGBColor &c)
-{
-    return qstrdup(QByteArray::number(c.r) + "," + QByteArray::number(c.g) + "," + QByteArray::number(c.b) + ","
-                   + QByteArray::number(c.a));
-}
-} // namespace QTest
 
 class TestPalette : public QObject
 {

@@ -3,22 +3,13 @@
 #include <QtEndian>
 #include <QtTest>
 
+#include "palettesupport.h"
+
 #include "sprites/qpalettefile.h"
 #include "sprites/qrgbpalette.h"
 
-static QRGBColor rgb(int r, int g, int b, int a = 255)
-{
-    return QRGBColor{quint8(r), quint8(g), quint8(b), quint8(a)};
-}
+using TestSupport::rgb;
 
-namespace QTest {
-template<>
-char *toString(const QRGBColor &c)
-{
-    return qstrdup(QByteArray::number(c.r) + "," + QByteArray::number(c.g) + "," + QByteArray::number(c.b) + ","
-                   + QByteArray::number(c.a));
-}
-} // namespace QTest
 
 static void be16(QByteArray &out, quint16 v)
 {

@@ -1,6 +1,6 @@
 // Hand-built sprite files exercising the rules of the loader and the writer
 // one by one.
-#include "core/qmessages.h"
+#include "base/qmessages.h"
 #include "sprites/qbfcachefilter.h"
 #include "sprites/qpcxcachefilter.h"
 #include "sprites/qsprites.h"
@@ -10,7 +10,11 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include "testsupport.h"
+
 using namespace Sff;
+
+using TestSupport::readAll;
 
 namespace {
 
@@ -120,11 +124,6 @@ QByteArray paletteBytes(int colours, quint8 alpha)
     return b;
 }
 
-QByteArray readAll(const QString &path)
-{
-    QFile f(path);
-    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
-}
 
 } // namespace
 
@@ -173,7 +172,7 @@ void TestSffEdge::version1Loading()
     // of the second add nothing. A sprite with the same-palette flag shares.
     {
         QSprites s;
-        s.messages = &messages;
+        s.setMessages(&messages);
         const QString path = write(buildV1({{9000, 0, indexedImage(8, 6, 1)},
                                             {0, 0, indexedImage(10, 4, 2)},
                                             {200, 0, indexedImage(5, 5, 3), 0, 1, true, true},
@@ -194,7 +193,7 @@ void TestSffEdge::version1Loading()
         // The declared length was 768 too long; the gap to the next subfile rules.
         QCOMPARE(s.item(2)->width, quint16(5));
         QCOMPARE(s.image(3).pixelIndex(2, 1), (2 + 3 + 4) % 256);
-        QCOMPARE(s.fileName, path);
+        QCOMPARE(s.fileName(), path);
         QVERIFY(!s.isModified());
         QVERIFY(messages.messages().isEmpty());
     }
@@ -209,7 +208,7 @@ void TestSffEdge::version1Loading()
         QCOMPARE(s.paletteCount(), 2);
         QCOMPARE(s.item(0)->info.palette, quint16(0));
         QCOMPARE(s.paletteColors(0)->colors[7].b, quint8(3));
-        QVERIFY(s.fileName.isEmpty()); // keepName
+        QVERIFY(s.fileName().isEmpty()); // keepName
     }
     // Not a character: group 5 creates 5,0, other colours in that group 5,1,
     // identical colours reuse; 0,0 isn't special.
@@ -249,14 +248,14 @@ void TestSffEdge::version1Links()
 {
     // The first sprite linked is refused, naming index 0.
     QSprites s;
-    s.messages = &messages;
+    s.setMessages(&messages);
     QSignalSpy errors(&s, &QSprites::fileError);
     QVERIFY(!s.fromFile(write(buildV1({{1, 0, QImage(), 0}, {1, 1, indexedImage(3, 3, 1)}})), false, false));
     QCOMPARE(errors.count(), 1);
     QCOMPARE(errors[0][0].toString(), QString("Sprite loading error"));
     QCOMPARE(errors[0][1].toString(), QString("t.sff(0): Sprite incorrectly linked to the index 0"));
     QCOMPARE(s.count(), 0);
-    QVERIFY(!s.undoEnabled);
+    QVERIFY(!s.undoEnabled());
 
     // A forward link is refused too; good links are followed and flattened.
     QVERIFY(!s.fromFile(write(buildV1({{1, 0, indexedImage(3, 3, 1)}, {1, 1, QImage(), 2}})), false, false));
@@ -264,7 +263,7 @@ void TestSffEdge::version1Links()
                                       {1, 1, QImage(), 0},
                                       {1, 2, QImage(), 1, 1}})),
                        false, false));
-    QVERIFY(s.undoEnabled);
+    QVERIFY(s.undoEnabled());
     QCOMPARE(s.item(2)->info.link, quint16(0));
     QCOMPARE(s.item(2)->height, quint16(4));
     QCOMPARE(s.image(2).pixelIndex(1, 1), s.image(0).pixelIndex(1, 1));
@@ -290,17 +289,17 @@ void TestSffEdge::version2Loading()
     V2Palette big{1, 3, 256, 0, paletteBytes(256, 200) + QByteArray(4000, 'x')};
     b.link = 0;
     QSprites s;
-    s.messages = &messages;
+    s.setMessages(&messages);
     s.addPalette(QRGBPal(), false, 1, 9); // dropped by a version 2 read
-    QVERIFY(s.fromFile(write(buildV2(Version200, {a, b, big}, {raw, link})), true, false));
-    QCOMPARE(s.version, Version200);
+    QVERIFY(s.fromFile(write(buildV2(QSffVersion::V200, {a, b, big}, {raw, link})), true, false));
+    QCOMPARE(s.version(), QSffVersion::V200);
     QCOMPARE(s.paletteCount(), 3);
-    QCOMPARE(s.palettes.item(0)->colors[0].a, quint8(0));
-    QCOMPARE(s.palettes.item(0)->colors[1].a, quint8(255));
-    QCOMPARE(s.palettes.item(0)->colors[3].r, quint8(3));
-    QVERIFY(!s.palettes.item(1)->hasColors);
-    QCOMPARE(s.palettes.item(1)->colors[3].r, quint8(0));
-    QCOMPARE(s.palettes.item(2)->colors[255].r, quint8(255));
+    QCOMPARE(s.palettes().item(0)->colors[0].a, quint8(0));
+    QCOMPARE(s.palettes().item(0)->colors[1].a, quint8(255));
+    QCOMPARE(s.palettes().item(0)->colors[3].r, quint8(3));
+    QVERIFY(!s.palettes().item(1)->hasColors);
+    QCOMPARE(s.palettes().item(1)->colors[3].r, quint8(0));
+    QCOMPARE(s.palettes().item(2)->colors[255].r, quint8(255));
     const QImage img = s.image(0);
     QCOMPARE(img.pixelIndex(0, 0), 1);
     QCOMPARE(img.pixelIndex(2, 1), 6);
@@ -309,25 +308,25 @@ void TestSffEdge::version2Loading()
     QVERIFY(messages.messages().isEmpty());
 
     // 2.01 keeps the alpha bytes.
-    QVERIFY(s.fromFile(write(buildV2(Version201, {a}, {raw})), false, false));
-    QCOMPARE(s.palettes.item(0)->colors[1].a, quint8(17));
+    QVERIFY(s.fromFile(write(buildV2(QSffVersion::V201, {a}, {raw})), false, false));
+    QCOMPARE(s.palettes().item(0)->colors[1].a, quint8(17));
 
     // Links that leave the list or run in a circle are refused.
     V2Sprite c1, c2;
     c1.node.link = 2; // sprites 1 and 2 point at each other
     c2.node.link = 1;
     QSignalSpy errors(&s, &QSprites::fileError);
-    QVERIFY(!s.fromFile(write(buildV2(Version201, {a}, {raw, c1, c2})), false, false));
+    QVERIFY(!s.fromFile(write(buildV2(QSffVersion::V201, {a}, {raw, c1, c2})), false, false));
     V2Sprite away;
     away.node.link = 40;
-    QVERIFY(!s.fromFile(write(buildV2(Version201, {a}, {raw, away})), false, false));
+    QVERIFY(!s.fromFile(write(buildV2(QSffVersion::V201, {a}, {raw, away})), false, false));
     QCOMPARE(errors.count(), 2);
     QCOMPARE(errors[1][1].toString(), QString("t.sff(1): Sprite incorrectly linked to the index 40"));
     QCOMPARE(s.count(), 0);
 
     // Signature and version.
     QVERIFY(!s.fromFile(write("ElecbyteSpx" + QByteArray(20, '\0')), false, false));
-    QByteArray odd = buildV2(Version201, {}, {});
+    QByteArray odd = buildV2(QSffVersion::V201, {}, {});
     odd[13] = 7;
     messages.clear();
     QVERIFY(!s.fromFile(write(odd), false, false));
@@ -346,12 +345,12 @@ void TestSffEdge::damagedInput()
     raw.node.depth = 8;
     raw.data = QByteArray(16, '\x02');
     V2Palette a{1, 1, 256, 0, paletteBytes(256, 255)};
-    const QByteArray v2 = buildV2(Version201, {a}, {raw, raw, raw});
+    const QByteArray v2 = buildV2(QSffVersion::V201, {a}, {raw, raw, raw});
     const QByteArray v1 = buildV1({{1, 0, indexedImage(20, 20, 1)}, {1, 1, indexedImage(20, 20, 2)}});
     for (const QByteArray &whole : {v1, v2})
         for (int cut = 16; cut < whole.size(); cut += 37) {
             QSprites s;
-            s.messages = &messages;
+            s.setMessages(&messages);
             s.fromFile(write(whole.left(cut)), false, false);
             for (int i = 0; i < s.count(); ++i)
                 s.image(i);
@@ -365,7 +364,7 @@ void TestSffEdge::damagedInput()
         return bytes;
     };
     QSprites s;
-    s.messages = &messages;
+    s.setMessages(&messages);
     messages.clear();
     QVERIFY(s.fromFile(write(claim(claim(v2, 40), 48)), false, false));
     QCOMPARE(s.count(), 3);
@@ -379,7 +378,7 @@ void TestSffEdge::damagedInput()
     // the same damage is one issue with a count, and a file lists at most a
     // few hundred.
     auto tableLast = [&](int nodes, bool alternate) {
-        QByteArray file = buildV2(Version201, {a}, {});
+        QByteArray file = buildV2(QSffVersion::V201, {a}, {});
         const quint32 table = quint32(file.size());
         qToLittleEndian<quint32>(table, file.data() + 36);
         file = claim(file, 40);
@@ -431,7 +430,7 @@ void TestSffEdge::writerFormats()
     s.setInfo(2, 0, 0, quint32(99) << 16, 0); // palette out of the list
     const QImage wideBefore = s.image(1);
 
-    for (quint32 v : {Version200, Version201}) {
+    for (quint32 v : {QSffVersion::V200, QSffVersion::V201}) {
         const QString path = dir.filePath(QString("fmt%1.sff").arg(v, 0, 16));
         QVERIFY(s.toFile(path, false, v, true, false));
         const QByteArray f = readAll(path);
@@ -441,7 +440,7 @@ void TestSffEdge::writerFormats()
         const V2SpriteNode n0 = V2SpriteNode::read(in), n1 = V2SpriteNode::read(in), n2 = V2SpriteNode::read(in);
         QCOMPARE(n0.format, quint8(CodeLZ5));
         QCOMPARE(n0.depth, quint8(5));
-        const quint8 other = v == Version200 ? CodeRLE8 : CodePNG8;
+        const quint8 other = v == QSffVersion::V200 ? CodeRLE8 : CodePNG8;
         QCOMPARE(n1.format, other);
         QCOMPARE(n2.format, other);
         QCOMPARE(n2.palette, quint16(99));
@@ -460,7 +459,7 @@ void TestSffEdge::writerFormats()
     argb.setPixel(2, 2, qRgb(200, 10, 10));
     argb.setPixel(3, 2, qRgb(10, 200, 10));
     QVERIFY(t.changeImage(0, argb, 0, false, 0, 0));
-    QVERIFY(t.toFile(dir.filePath("conv.sff"), false, Version101, true, false));
+    QVERIFY(t.toFile(dir.filePath("conv.sff"), false, QSffVersion::V101, true, false));
     QSprites u;
     QVERIFY(u.fromFile(dir.filePath("conv.sff"), false, false));
     QCOMPARE(u.item(0)->imageFormat, QImage::Format_Indexed8);
@@ -471,7 +470,7 @@ void TestSffEdge::writerFormats()
 
     // An empty store makes a 512-byte file that loads again.
     QSprites empty;
-    QVERIFY(empty.toFile(dir.filePath("empty.sff"), false, Version201, true, false));
+    QVERIFY(empty.toFile(dir.filePath("empty.sff"), false, QSffVersion::V201, true, false));
     QCOMPARE(QFileInfo(dir.filePath("empty.sff")).size(), 512);
     QVERIFY(empty.fromFile(dir.filePath("empty.sff"), false, false));
 }
@@ -488,10 +487,10 @@ void TestSffEdge::duplicatesAndVersion1Save()
     // Identical pixels on the same palette are written once by a real save.
     QSprites s, back;
     make(s);
-    QVERIFY(s.toFile(dir.filePath("tmp.sff"), false, Version201, false, true));
+    QVERIFY(s.toFile(dir.filePath("tmp.sff"), false, QSffVersion::V201, false, true));
     QVERIFY(back.fromFile(dir.filePath("tmp.sff"), false, false));
     QVERIFY(back.item(1)->info.hasImage);
-    QVERIFY(s.toFile(dir.filePath("real.sff"), false, Version201, true, false));
+    QVERIFY(s.toFile(dir.filePath("real.sff"), false, QSffVersion::V201, true, false));
     QVERIFY(back.fromFile(dir.filePath("real.sff"), false, false));
     QVERIFY(!back.item(1)->info.hasImage);
     QCOMPARE(back.item(1)->info.link, quint16(0));
@@ -502,7 +501,7 @@ void TestSffEdge::duplicatesAndVersion1Save()
     make(t);
     t.item(2)->info.palette = t.item(1)->info.palette;
     QSignalSpy order(&t, &QSprites::orderMustBeChanged);
-    QVERIFY(t.toFile(dir.filePath("v1.sff"), false, Version101, true, false));
+    QVERIFY(t.toFile(dir.filePath("v1.sff"), false, QSffVersion::V101, true, false));
     const QByteArray f = readAll(dir.filePath("v1.sff"));
     ByteReader in(reinterpret_cast<const uchar *>(f.constData()), f.size());
     in.seek(HeaderSize);
@@ -529,7 +528,7 @@ void TestSffEdge::duplicatesAndVersion1Save()
     ch.item(0)->info.palette = quint16(p1);
     ch.item(2)->info.palette = quint16(p1);
     QSignalSpy chOrder(&ch, &QSprites::orderMustBeChanged);
-    QVERIFY(ch.toFile(dir.filePath("ch.sff"), true, Version101, true, true));
+    QVERIFY(ch.toFile(dir.filePath("ch.sff"), true, QSffVersion::V101, true, true));
     QCOMPARE(chOrder.count(), 1);
     QCOMPARE(chOrder[0][0].value<QList<uint>>(), QList<uint>({0, 2}));
 }
@@ -542,11 +541,11 @@ void TestSffEdge::atomicSaveAndCancel()
         s.changeImage(i, indexedImage(12, 12, i), 0, false, 0, 0);
     }
     const QString path = dir.filePath("keep.sff");
-    QVERIFY(s.toFile(path, false, Version201, true, false));
+    QVERIFY(s.toFile(path, false, QSffVersion::V201, true, false));
     const QByteArray before = readAll(path);
     s.changeImage(1, indexedImage(30, 30, 77), 0, false, 0, 0);
 
-    for (quint32 v : {Version101, Version201}) {
+    for (quint32 v : {QSffVersion::V101, QSffVersion::V201}) {
         int calls = 0;
         auto c = connect(&s, &QSprites::progress, this, [&](uint, uint, bool &allow) {
             if (++calls == 6)
@@ -561,7 +560,7 @@ void TestSffEdge::atomicSaveAndCancel()
     // A folder in the way: no file can be written, the reason is reported.
     QSignalSpy errors(&s, &QSprites::fileError);
     QDir(dir.path()).mkdir("blocked.sff");
-    QVERIFY(!s.toFile(dir.filePath("blocked.sff"), false, Version201, true, false));
+    QVERIFY(!s.toFile(dir.filePath("blocked.sff"), false, QSffVersion::V201, true, false));
     QCOMPARE(errors.count(), 1);
     QCOMPARE(errors[0][0].toString(), QString("Sprite saving error"));
 

@@ -2,7 +2,7 @@
 // its own version unchanged, and keeps what every sprite shows through the
 // other versions and back, but for what a version can't hold, which is
 // exactly what is reported before the save.
-#include "core/qmessages.h"
+#include "base/qmessages.h"
 #include "sprites/qbfcachefilter.h"
 #include "sprites/qsprites.h"
 #include "spritesnapshot.h"
@@ -12,13 +12,10 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+using TestSupport::readAll;
+
 namespace {
 
-QByteArray readAll(const QString &path)
-{
-    QFile f(path);
-    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
-}
 
 bool isCharacterFile(const QString &relative)
 {
@@ -74,16 +71,16 @@ void TestSffSample::roundTrip()
     QMessages messages;
     QSprites original, reloaded;
     for (QSprites *s : {&original, &reloaded})
-        s->messages = &messages;
+        s->setMessages(&messages);
     QVERIFY(original.fromFile(TestSupport::samplePath(relative), character, false));
     QVERIFY(original.count() > 0);
     QCOMPARE(messages.issueCount(), 0);
-    const quint32 version = original.version;
+    const quint32 version = original.version();
 
     const QString first = dir.filePath("first.sff"), second = dir.filePath("second.sff");
     QVERIFY(original.toFile(first, character, 0, true, false));
     QVERIFY(reloaded.fromFile(first, character, false));
-    QCOMPARE(reloaded.version, version);
+    QCOMPARE(reloaded.version(), version);
     QCOMPARE(messages.issueCount(), 0);
 
     // Records (duplicates may have become links), palettes, and pixels.
@@ -101,15 +98,15 @@ void TestSffSample::roundTrip()
     QCOMPARE(reloaded.paletteCount(), original.paletteCount());
     for (int p = 0; p < original.paletteCount(); ++p) {
         QVERIFY(original.paletteInfo(p) == reloaded.paletteInfo(p));
-        if (original.palettes.item(p)->hasColors)
-            QVERIFY2(original.palettes.item(p)->colors == reloaded.palettes.item(p)->colors,
+        if (original.palettes().item(p)->hasColors)
+            QVERIFY2(original.palettes().item(p)->colors == reloaded.palettes().item(p)->colors,
                      qPrintable(QString("palette %1").arg(p)));
     }
 
     QVERIFY(reloaded.toFile(second, character, 0, true, false));
     QVERIFY(readAll(first) == readAll(second));
     QVERIFY(!reloaded.isModified());
-    QCOMPARE(reloaded.fileName, second);
+    QCOMPARE(reloaded.fileName(), second);
 }
 
 // To each version and back to the file's own (character rules on for
@@ -124,7 +121,7 @@ void TestSffSample::everyVersion()
     const QString source = TestSupport::samplePath(relative);
     QSprites original;
     QVERIFY(original.fromFile(source, character, false));
-    const quint32 own = original.version;
+    const quint32 own = original.version();
     QList<QList<QRgb>> shown;
     for (int i = 0; i < original.count(); ++i)
         shown << TestSupport::shownPixels(original.image(i));
@@ -165,7 +162,7 @@ void TestSffSample::everyVersion()
         std::sort(lost.begin(), lost.end());
         QVERIFY(there.toFile(dir.filePath("back.sff"), character, own, false, false));
         QVERIFY(back.fromFile(dir.filePath("back.sff"), character, false));
-        QCOMPARE(back.version, own);
+        QCOMPARE(back.version(), own);
         QVERIFY2(changedIn(back) == lost, qPrintable(tag + " and back"));
     }
 }

@@ -13,8 +13,12 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include "testsupport.h"
+
 using namespace Sff;
 using TestSupport::SpriteStoreSnapshot;
+
+using TestSupport::readAll;
 
 namespace {
 
@@ -42,11 +46,6 @@ QImage trueColourImage(int w, int h, int seed)
     return img;
 }
 
-QByteArray readAll(const QString &path)
-{
-    QFile f(path);
-    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
-}
 
 } // namespace
 
@@ -87,7 +86,7 @@ void TestSffSave::savesLeaveTheStoreAsItWas()
         made.changeImage(6, indexedImage(12, 9, 1), 0, false, 0, 0);
         made.setInfo(6, 0, QSpriteInfo::pack(6, 0), QSpriteInfo::pack(0, 1), 0); // other palette
         made.setInfo(7, 0, QSpriteInfo::pack(7, 0), QSpriteInfo::pack(2, 0), 0); // link to 2
-        QVERIFY(made.toFile(dir.filePath("made.sff"), false, Version201, false, true));
+        QVERIFY(made.toFile(dir.filePath("made.sff"), false, QSffVersion::V201, false, true));
     }
     QSprites s;
     QVERIFY(s.fromFile(dir.filePath("made.sff"), false, false));
@@ -101,7 +100,7 @@ void TestSffSave::savesLeaveTheStoreAsItWas()
 
     const QString plain = dir.filePath("plain.sff");
     QVERIFY(QFile::copy(dir.filePath("made.sff"), plain));
-    s.fileName = plain;
+    s.setFileName(plain);
     SpriteStoreSnapshot expected = SpriteStoreSnapshot::of(s);
     auto unchanged = [&](const char *what) {
         const QString diff = SpriteStoreSnapshot::of(s).differenceFrom(expected);
@@ -109,7 +108,7 @@ void TestSffSave::savesLeaveTheStoreAsItWas()
     };
 
     // Test copies and backups change nothing, not even `modified`.
-    for (quint32 v : {Version101, Version200, Version201}) {
+    for (quint32 v : {QSffVersion::V101, QSffVersion::V200, QSffVersion::V201}) {
         QVERIFY(s.toFile(dir.filePath("copy.sff"), false, v, false, true));
         unchanged("temporary save");
     }
@@ -118,7 +117,7 @@ void TestSffSave::savesLeaveTheStoreAsItWas()
     // Cancelled part way, or refused by the file system: the store is as it
     // was, and so is the file that was there.
     const QByteArray before = readAll(plain);
-    for (quint32 v : {Version101, Version200, Version201}) {
+    for (quint32 v : {QSffVersion::V101, QSffVersion::V200, QSffVersion::V201}) {
         int calls = 0;
         auto c = connect(&s, &QSprites::progress, this, [&](uint, uint, bool &allow) { allow = ++calls < 12; });
         QVERIFY(!s.toFile(plain, false, v, true, false));
@@ -130,7 +129,7 @@ void TestSffSave::savesLeaveTheStoreAsItWas()
     QVERIFY(blocker.open(QIODevice::WriteOnly));
     blocker.close();
     QSignalSpy errors(&s, &QSprites::fileError);
-    QVERIFY(!s.toFile(dir.filePath("blocker/in.sff"), false, Version101, true, false));
+    QVERIFY(!s.toFile(dir.filePath("blocker/in.sff"), false, QSffVersion::V101, true, false));
     QCOMPARE(errors.count(), 1);
     unchanged("failed save");
 
@@ -138,7 +137,7 @@ void TestSffSave::savesLeaveTheStoreAsItWas()
     QVERIFY(s.toFile(plain, false, 0, true, false));
     expected.modified = false;
     unchanged("plain save");
-    for (quint32 v : {Version101, Version200, Version201, Version200}) {
+    for (quint32 v : {QSffVersion::V101, QSffVersion::V200, QSffVersion::V201, QSffVersion::V200}) {
         const QString path = dir.filePath(QString("as%1.sff").arg(v, 0, 16));
         QVERIFY(s.toFile(path, false, v, true, false));
         expected.fileName = path;
@@ -147,7 +146,7 @@ void TestSffSave::savesLeaveTheStoreAsItWas()
     }
 
     // And the history still leads back to what was loaded.
-    s.undoStack.setIndex(0);
+    s.undoStack()->setIndex(0);
     QCOMPARE(s.count(), loaded.size());
     for (int i = 0; i < s.count(); ++i)
         QVERIFY2(s.image(i) == loaded[i], qPrintable(QString("sprite %1 after undo").arg(i)));

@@ -9,10 +9,15 @@
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QtTest>
+
+#include "testsupport.h"
 #include <memory>
 #include <set>
 
 using namespace Sff;
+
+using TestSupport::readAll;
+using TestSupport::writeAll;
 
 namespace {
 
@@ -29,17 +34,7 @@ QImage indexedImage(int w, int h, int seed)
     return img;
 }
 
-QByteArray readAll(const QString &path)
-{
-    QFile f(path);
-    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
-}
 
-bool writeAll(const QString &path, const QByteArray &bytes)
-{
-    QFile f(path);
-    return f.open(QIODevice::WriteOnly) && f.write(bytes) == bytes.size();
-}
 
 // Pixels of every sprite, in order.
 QList<QByteArray> pixels(const QSprites &s)
@@ -90,7 +85,7 @@ void TestSffShared::unchangedSaveIsIdentical()
     made.add(); // a link to sprite 4
     made.setInfo(12, 0, QSpriteInfo::pack(40, 0), QSpriteInfo::pack(4, 0), 0);
     const QString first = dir.filePath("first.sff");
-    QVERIFY(made.toFile(first, false, Version201, true, false));
+    QVERIFY(made.toFile(first, false, QSffVersion::V201, true, false));
 
     // A store made by hand saves links without their target's size; from a
     // loaded file on, the bytes are settled.
@@ -124,7 +119,7 @@ void TestSffShared::dataOutsideItsBlock()
         made.changeImage(i, indexedImage(20, 10 + i, i), 0, false, 0, 0);
     }
     const QString path = dir.filePath("block.sff");
-    QVERIFY(made.toFile(path, false, Version201, true, false));
+    QVERIFY(made.toFile(path, false, QSffVersion::V201, true, false));
     QByteArray bytes = readAll(path);
     ByteReader in(reinterpret_cast<const uchar *>(bytes.constData()), bytes.size());
     V2Header h = V2Header::read(in);
@@ -135,7 +130,7 @@ void TestSffShared::dataOutsideItsBlock()
     cut.ldataLength = h.ldataLength - 10;
     QByteArray header;
     ByteWriter hw(header);
-    cut.write(hw, Version201);
+    cut.write(hw, QSffVersion::V201);
     shortBlock.replace(0, HeaderSize, header);
     QVERIFY(writeAll(path, shortBlock));
     QSprites s;
@@ -155,7 +150,7 @@ void TestSffShared::dataOutsideItsBlock()
     far.ldataOffset = 0x7FFFFFF0;
     header.clear();
     ByteWriter fw(header);
-    far.write(fw, Version201);
+    far.write(fw, QSffVersion::V201);
     QByteArray farBytes = bytes;
     farBytes.replace(0, HeaderSize, header);
     QVERIFY(writeAll(path, farBytes));
@@ -169,14 +164,14 @@ void TestSffShared::dataOutsideItsBlock()
 void TestSffShared::largeFileProgress()
 {
     QSprites made;
-    made.undoEnabled = false;
+    made.setUndoEnabled(false);
     const int n = 3000;
     for (int i = 0; i < n; ++i) {
         made.add();
         made.changeImage(i, indexedImage(4 + i % 7, 3 + i % 5, i), i == 0 ? 0 : 3, false, 0, 0);
     }
     const QString path = dir.filePath("large.sff");
-    QVERIFY(made.toFile(path, false, Version201, true, false));
+    QVERIFY(made.toFile(path, false, QSffVersion::V201, true, false));
     QSprites s;
     QList<uint> seen;
     uint max = 0;
@@ -196,8 +191,9 @@ void TestSffShared::largeFileProgress()
 
 void TestSffShared::itemPool()
 {
+    QSpriteItemPool pool;
     std::vector<QSpriteItem *> many(2500);
-    QSpriteItem::createMany(many.data(), qsizetype(many.size()));
+    pool.createMany(many.data(), qsizetype(many.size()));
     std::set<QSpriteItem *> distinct(many.begin(), many.end());
     QCOMPARE(distinct.size(), many.size());
     for (QSpriteItem *it : many) {
@@ -205,16 +201,18 @@ void TestSffShared::itemPool()
         QVERIFY(!it->info.hasImage);
         it->info.group = 7;
     }
-    // Records ended in bulk come back fresh, one by one or in bulk.
-    QSpriteItem::destroyMany(many.data(), qsizetype(many.size()));
-    auto one = std::make_unique<QSpriteItem>();
+    // Records ended in bulk come back fresh, and no chunk is made for them.
+    const qsizetype made = pool.size();
+    pool.destroyMany(many.data(), qsizetype(many.size()));
+    QCOMPARE(pool.freeCount(), qsizetype(many.size()));
+    QSpriteItem *one = pool.create();
     QCOMPARE(one->info.group, quint16(0));
-    QSpriteItem *two = new QSpriteItem(*one);
-    delete two;
-    QSpriteItem::createMany(many.data(), 10);
+    pool.destroy(one);
+    pool.createMany(many.data(), 10);
     for (int i = 0; i < 10; ++i)
         QCOMPARE(many[size_t(i)]->info.group, quint16(0));
-    QSpriteItem::destroyMany(many.data(), 10);
+    QCOMPARE(pool.size(), made);
+    pool.destroyMany(many.data(), 10);
 }
 
 QTEST_GUILESS_MAIN(TestSffShared)

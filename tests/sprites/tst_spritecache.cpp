@@ -6,6 +6,8 @@
 #include "sprites/qbypasscachefilter.h"
 #include "sprites/qrle8cachefilter.h"
 #include "sprites/qspritecache.h"
+#include "sprites/qspriterecordpool.h"
+#include "sprites/qsprites.h"
 
 class TestSpriteCache : public QObject
 {
@@ -161,28 +163,31 @@ void TestSpriteCache::fileModeGrowsAndClears()
 
 void TestSpriteCache::recordPool()
 {
-    QSpriteCache::purge();
-    const int base = QSpriteCache::poolSize();
+    QSpriteRecordPool pool;
     {
-        QSpriteCache first(QStringLiteral("bftest"));
+        QSpriteCache first(QStringLiteral("bftest"), QSpriteCache::Memory, true, -1, &pool);
+        QCOMPARE(first.recordPool(), &pool);
         for (int i = 0; i < 10; ++i)
             first.add(QByteArray(1, char(i)), true);
-        QCOMPARE(QSpriteCache::poolSize(), base + 10);
+        QCOMPARE(pool.size(), 10);
         first.clear();
-        QCOMPARE(QSpriteCache::poolFree(), 10);
+        QCOMPARE(pool.freeCount(), 10);
         // Released records are taken again before new ones are made.
-        QSpriteCache second(QStringLiteral("bftest"));
+        QSpriteCache second(QStringLiteral("bftest"), QSpriteCache::Memory, true, -1, &pool);
         for (int i = 0; i < 12; ++i)
             second.add(QByteArray(1, char(i)), true);
-        QCOMPARE(QSpriteCache::poolSize(), base + 12);
-        QCOMPARE(QSpriteCache::poolFree(), 0);
+        QCOMPARE(pool.size(), 12);
+        QCOMPARE(pool.freeCount(), 0);
         // Handles are unique across caches.
         const quint32 id = second.add(QByteArray("z"), true);
         QVERIFY(!first.contains(id));
     }
     // Dying caches release their records and purge the free ones.
-    QCOMPARE(QSpriteCache::poolFree(), 0);
-    QCOMPARE(QSpriteCache::poolSize(), base);
+    QCOMPARE(pool.freeCount(), 0);
+    QCOMPARE(pool.size(), 0);
+    // A cache made without a pool keeps one of its own.
+    QSpriteCache alone;
+    QVERIFY(alone.recordPool() && alone.recordPool() != &pool);
 }
 
 void TestSpriteCache::slicesOfOneBlock_data()
@@ -253,11 +258,12 @@ void TestSpriteCache::slicesOfOneBlock()
 }
 
 // Handles stay valid across thousands of adds and removes; a removed handle
-// never names the record's next item.
+// never names the record's next item, also in another cache of the same pool.
 void TestSpriteCache::handlesStayValid()
 {
-    QSpriteCache cache(QStringLiteral("bftest"), QSpriteCache::Memory, false);
-    QSpriteCache other(QStringLiteral("bftest"), QSpriteCache::Memory, false);
+    QSpriteRecordPool pool;
+    QSpriteCache cache(QStringLiteral("bftest"), QSpriteCache::Memory, false, -1, &pool);
+    QSpriteCache other(QStringLiteral("bftest"), QSpriteCache::Memory, false, -1, &pool);
     QList<quint32> ids;
     for (int i = 0; i < 3000; ++i)
         ids << cache.add(QByteArray::number(i), false);
@@ -278,24 +284,29 @@ void TestSpriteCache::handlesStayValid()
 
 void TestSpriteCache::undoCache()
 {
-    QVERIFY(QSpriteCache::undoCache() == nullptr);
-    QSpriteCache *undo = QSpriteCache::createUndoCache();
-    QVERIFY(undo);
-    QCOMPARE(QSpriteCache::createUndoCache(), undo);
-    QCOMPARE(QSpriteCache::undoCache(), undo);
-    QCOMPARE(undo->mode(), int(QSpriteCache::TemporaryFile));
-    QVERIFY(undo->compression());
-    QCOMPARE(undo->level(), -1);
-    QVERIFY(QFileInfo(undo->fileName()).fileName().startsWith(QStringLiteral("sprUndo")));
-    const quint32 id = undo->add(QByteArray(2000, 'u'), true);
-    QVERIFY(undo->fileSize() < 2000);
-    QByteArray out;
-    QVERIFY(undo->get(id, out));
-    QCOMPARE(out, QByteArray(2000, 'u'));
-    const QString name = undo->fileName();
-    QSpriteCache::destroyUndoCache();
-    QVERIFY(QSpriteCache::undoCache() == nullptr);
+    // A store without the program's shared undo cache makes its own: a
+    // compressed temporary file, gone with the store.
+    QString name;
+    {
+        QSprites own;
+        QSpriteCache *undo = own.undoCache();
+        QCOMPARE(own.undoCache(), undo);
+        QCOMPARE(undo->mode(), int(QSpriteCache::TemporaryFile));
+        QVERIFY(undo->compression());
+        QVERIFY(QFileInfo(undo->fileName()).fileName().startsWith(QStringLiteral("sprUndo")));
+        const quint32 id = undo->add(QByteArray(2000, 'u'), true);
+        QVERIFY(undo->fileSize() < 2000);
+        QByteArray out;
+        QVERIFY(undo->get(id, out));
+        QCOMPARE(out, QByteArray(2000, 'u'));
+        name = undo->fileName();
+        QVERIFY(QFile::exists(name));
+    }
     QVERIFY(!QFile::exists(name));
+    QSpriteCache shared;
+    QSprites given;
+    given.setUndoCache(&shared);
+    QCOMPARE(given.undoCache(), &shared);
 }
 
 QTEST_GUILESS_MAIN(TestSpriteCache)

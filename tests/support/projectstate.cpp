@@ -1,7 +1,7 @@
 #include "projectstate.h"
 
 #include "animations/qanimations.h"
-#include "core/qproject.h"
+#include "project/qproject.h"
 #include "sprites/qsprites.h"
 
 #include <QTextDocument>
@@ -37,11 +37,11 @@ ProjectState ProjectState::of(QSprites &sprites)
         if (const QRGBPal *colors = sprites.paletteColors(p))
             s.palettes += QByteArray(reinterpret_cast<const char *>(colors->bytes()), 1024);
     }
-    s.undoCount = sprites.undoStack.count();
-    s.undoIndex = sprites.undoStack.index();
+    s.undoCount = sprites.undoStack()->count();
+    s.undoIndex = sprites.undoStack()->index();
     s.spritesModified = sprites.isModified();
-    s.spritesFile = sprites.fileName;
-    s.spritesVersion = sprites.version;
+    s.spritesFile = sprites.fileName();
+    s.spritesVersion = sprites.version();
     return s;
 }
 

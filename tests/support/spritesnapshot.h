@@ -73,16 +73,16 @@ struct SpriteStoreSnapshot
         }
         for (int p = 0; p < s.paletteCount(); ++p) {
             out.paletteInfos << s.paletteInfo(p);
-            out.paletteColours << s.palettes.item(p)->colors;
+            out.paletteColours << s.palettes().item(p)->colors;
         }
-        out.cacheEntries = s.cache.count();
-        out.undoCount = s.undoStack.count();
-        out.undoIndex = s.undoStack.index();
-        for (int k = 0; k < s.undoStack.count(); ++k)
-            out.undoTexts << s.undoStack.text(k);
-        out.modified = s.modified;
-        out.fileName = s.fileName;
-        out.version = s.version;
+        out.cacheEntries = s.cache().count();
+        out.undoCount = s.undoStack()->count();
+        out.undoIndex = s.undoStack()->index();
+        for (int k = 0; k < s.undoStack()->count(); ++k)
+            out.undoTexts << s.undoStack()->text(k);
+        out.modified = s.isModified();
+        out.fileName = s.fileName();
+        out.version = s.version();
         return out;
     }
 

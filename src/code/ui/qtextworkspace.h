@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/ui/qinterfaceworkspace.h"
+#include "shell/qinterfaceworkspace.h"
 
 class QStackedWidget;
 

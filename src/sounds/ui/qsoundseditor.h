@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/ui/qinterfaceeditor.h"
+#include "shell/qinterfaceeditor.h"
 
 // The editor of the sounds (SND). Its panel controls and commands are laid out by the
 // preset; the editing itself builds on this registration.

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/ui/qinterfaceextraeditor.h"
+#include "shell/qinterfaceextraeditor.h"
 
 // The right-panel page of the order of the items of the current editor's store; its controls come from the preset.
 class QOrganizerEditor : public QInterfaceExtraEditor

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/ui/qinterfaceextraeditor.h"
+#include "shell/qinterfaceextraeditor.h"
 
 // The right-panel page of the palettes of the sprite store; its controls come from the preset.
 class QPalettesEditor : public QInterfaceExtraEditor

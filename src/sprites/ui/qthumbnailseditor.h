@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/ui/qinterfaceextraeditor.h"
+#include "shell/qinterfaceextraeditor.h"
 
 // The right-panel page of the thumbnails of the sprites; its controls come from the preset.
 class QThumbnailsEditor : public QInterfaceExtraEditor

@@ -1,0 +1,35 @@
+#pragma once
+
+#include "shell/qinterfaceeditor.h"
+
+// The editor of the reference documentation. Its panel controls and commands are laid out by the
+// preset; the editing itself builds on this registration.
+class QReferenceDocsEditor : public QInterfaceEditor
+{
+    Q_OBJECT
+
+public:
+    using QInterfaceEditor::QInterfaceEditor;
+
+    int id() const override { return 6; }
+    QString name() const override { return QStringLiteral("ref_docs"); }
+    QString tag() const override { return QStringLiteral("docs"); }
+    int layoutFlags() const override { return 0; }
+    int workspaceId() const override { return 2; }
+    int projectTypes() const override { return 15; }
+    int captionId() const override { return 39; }
+
+public slots:
+    void clear() override;
+    void open() override;
+    void save() override;
+    void saveAs() override;
+    void undo() override;
+    void redo() override;
+    void cut() override;
+    void copy() override;
+    void paste() override;
+    void find(const QString &text, const QQuickFindOptions &options) override;
+    void replace(const QString &text, const QString &with, const QQuickFindOptions &options,
+                 bool all) override;
+};
