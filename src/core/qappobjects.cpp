@@ -1,6 +1,8 @@
 #include "qappobjects.h"
 
 namespace Bf {
+QMugenSyntaxProperties *mugenSyntax = nullptr;
+QLuaSyntaxProperties *luaSyntax = nullptr;
 QIconsetManager *iconsets = nullptr;
 QStylesheetManager *stylesheets = nullptr;
 QColorsetManager *colorsets = nullptr;

@@ -3,6 +3,8 @@
 // The process-wide objects, set once by the main window as it starts and
 // valid until its destructor; code reaches them directly, in the order of
 // creation below.
+class QMugenSyntaxProperties;
+class QLuaSyntaxProperties;
 class SyntaxFormats;
 class QIconsetManager;
 class QStylesheetManager;
@@ -17,6 +19,8 @@ class QFileWatcherManager;
 class QInterface;
 
 namespace Bf {
+extern QMugenSyntaxProperties *mugenSyntax;
+extern QLuaSyntaxProperties *luaSyntax;
 extern QIconsetManager *iconsets;
 extern QStylesheetManager *stylesheets;
 extern QColorsetManager *colorsets;

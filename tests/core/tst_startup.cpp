@@ -70,7 +70,7 @@ private slots:
         auto *w = new MainWindow;
         const QStringList created = QLifecycleLog::entries();
         const QStringList expectedCreation{
-            "+MainWindow",          "+cache filters",         "+QIconsetManager",       "+QStylesheetManager",
+            "+MainWindow",          "+syntax definitions",    "+cache filters",         "+QIconsetManager",       "+QStylesheetManager",
             "+QColorsetManager",    "+SyntaxFormats",         "+QMugenModel",
             "config.xml read",      "+QPresetManager",        "+QLanguageManager",
             "+QSCtrlManager",       "+QScriptManager",        "+QSnippetManager",
@@ -120,7 +120,7 @@ private slots:
             "config.xml written",   "-QFileWatcherManager", "-QScriptManager",
             "-QSCtrlManager",       "-QLanguageManager",   "-QPresetManager",
             "-QMugenModel",         "-SyntaxFormats",      "-QColorsetManager",
-            "-QStylesheetManager",  "-QIconsetManager",    "-cache filters",
+            "-QStylesheetManager",  "-QIconsetManager",    "-syntax definitions", "-cache filters",
             "-MainWindow"};
         QCOMPARE(QLifecycleLog::entries(), expectedDestruction);
         QVERIFY(!Bf::mainInterface);

@@ -15,6 +15,10 @@ QString samplePath(const QString &relative);
 // Folder of the fixtures kept with the tests (tests/fixtures).
 QString fixturesDir();
 
+// Folder of the engine's documentation beside the sample content, or an
+// empty string when it is absent.
+QString engineDocsDir();
+
 } // namespace TestSupport
 
 #define BF_REQUIRE_SAMPLE()                                                                        \

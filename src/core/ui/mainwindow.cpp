@@ -5,6 +5,7 @@
 #include "animations/ui/qanimationseditor.h"
 #include "animations/ui/qanimspriteworkspace.h"
 #include "code/qsctrlmanager.h"
+#include "code/qsyntaxproperties.h"
 #include "code/syntaxformats.h"
 #include "code/ui/qcommandseditor.h"
 #include "code/ui/qdefinitionseditor.h"
@@ -57,8 +58,12 @@ MainWindow::MainWindow(QWidget *parent)
     QCoreApplication::addLibraryPath(QCoreApplication::applicationDirPath());
     QLifecycleLog::record(QStringLiteral("+MainWindow"));
 
-    // TODO(syntax): the two syntax definitions are created first, once their
-    // classes have landed.
+    // The engine's language and the Lua names, read once for every document.
+    Bf::mugenSyntax = new QMugenSyntaxProperties;
+    Bf::mugenSyntax->load(dataPath("/syntax_mugen.xml"));
+    Bf::luaSyntax = new QLuaSyntaxProperties;
+    Bf::luaSyntax->load(dataPath("/syntax_lua.xml"));
+    QLifecycleLog::record(QStringLiteral("+syntax definitions"));
     QBFCacheFilter::createFilters();
     QSpriteCache::createUndoCache();
     QLifecycleLog::record(QStringLiteral("+cache filters"));
@@ -128,6 +133,11 @@ MainWindow::~MainWindow()
     delete Bf::iconsets;
     Bf::iconsets = nullptr;
     // The snippet list stays until the process ends: scripts may still name it.
+    delete Bf::mugenSyntax;
+    Bf::mugenSyntax = nullptr;
+    delete Bf::luaSyntax;
+    Bf::luaSyntax = nullptr;
+    QLifecycleLog::record(QStringLiteral("-syntax definitions"));
 
     QBFCacheFilter::destroyFilters();
     QSpriteCache::destroyUndoCache();
