@@ -29,6 +29,8 @@ QTextEditor::QTextEditor(QWidget *parent)
     m_parenRangeFormat.setBackground(Qt::magenta);
 
     setFrameStyle(QFrame::NoFrame);
+    // Code lines stay whole; long ones scroll sideways.
+    setLineWrapMode(QPlainTextEdit::NoWrap);
     setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
     m_extraArea->setAttribute(Qt::WA_MouseTracking);
     viewport()->setAttribute(Qt::WA_MouseTracking);
@@ -276,8 +278,11 @@ void QTextEditor::ensureCursorVisible(bool scroll)
 {
     QTextCursor cursor = textCursor();
     if (!cursor.block().isVisible()) {
-        while (!cursor.block().isVisible() && cursor.blockNumber() > 0)
-            cursor.movePosition(QTextCursor::Up);
+        // Up line by line; a hidden block has no lines of its own to step on.
+        const int column = cursor.positionInBlock();
+        while (!cursor.block().isVisible() && cursor.movePosition(QTextCursor::PreviousBlock)) {
+        }
+        cursor.setPosition(cursor.block().position() + qMin(column, cursor.block().length() - 1));
         setTextCursor(cursor);
     }
     if (scroll)

@@ -125,24 +125,18 @@ void QTextEditor::handleCompletion(QKeyEvent *event)
     }
     if (model && m_completer->model() != model)
         m_completer->setModel(model);
-    if (prefix != m_completer->completionPrefix() || !popup->isVisible()) {
+    // In this mode the completer puts the current row on the first word
+    // that starts with the prefix as it shows the list.
+    if (prefix != m_completer->completionPrefix())
         m_completer->setCompletionPrefix(prefix);
-        // The first word that starts with the prefix, else the top of the list.
-        QModelIndex current = m_completer->completionModel()->index(0, 0);
-        const QAbstractItemModel *words = m_completer->completionModel();
-        if (!prefix.isEmpty()) {
-            for (int row = 0; row < words->rowCount(); ++row) {
-                const QModelIndex index = words->index(row, 0);
-                if (index.data().toString().startsWith(prefix, Qt::CaseInsensitive)) {
-                    current = index;
-                    break;
-                }
-            }
-        }
-        popup->setCurrentIndex(current);
-    }
+    // As wide as the longest word of the list, not only of the rows in view.
+    const QAbstractItemModel *list = m_completer->completionModel();
+    const QFontMetrics fm(popup->font());
+    int widest = popup->sizeHintForColumn(0);
+    for (int row = 0; row < list->rowCount(); ++row)
+        widest = qMax(widest, fm.horizontalAdvance(list->index(row, 0).data().toString()) + 2 * fm.averageCharWidth());
     QRect rect = cursorRect();
-    rect.setWidth(popup->sizeHintForColumn(0) + popup->verticalScrollBar()->sizeHint().width());
+    rect.setWidth(widest + popup->verticalScrollBar()->sizeHint().width());
     m_completer->complete(rect);
 }
 

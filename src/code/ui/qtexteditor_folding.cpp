@@ -236,15 +236,22 @@ void QTextEditor::paintCollapsedPreview(QPainter &painter)
     if (lines.isEmpty())
         return;
 
+    // Shadowed, so that it reads as lying over the text, not being part of it.
+    const qreal inset = 1;
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing, true);
-    const QRectF box(offset.x() + 1, top, width + 4, height + 2);
+    const QRectF box(offset.x() + inset, top + 1, width + 4 - inset, height + 2);
+    QColor shadow = palette().color(QPalette::Shadow);
+    shadow.setAlpha(60);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(shadow);
+    painter.drawRoundedRect(box.translated(3, 3), 2, 2);
     painter.setPen(Qt::gray);
     painter.setBrush(palette().color(QPalette::Base));
     painter.drawRoundedRect(box.adjusted(0.5, 0.5, -0.5, -0.5), 2, 2);
     painter.setClipRect(box.adjusted(1, 1, -1, -1));
     painter.setPen(palette().color(QPalette::Text));
-    qreal y = top + 1;
+    qreal y = box.top() + 1;
     for (QTextBlock b : lines) {
         b.setVisible(true);
         const QRectF r = blockBoundingRect(b);

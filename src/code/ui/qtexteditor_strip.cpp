@@ -158,6 +158,30 @@ void QTextEditor::extraAreaPaintEvent(QPaintEvent *event)
 
     painter.setFont(m_extraArea->font());
     const int lineHeight = QFontMetrics(m_extraArea->font()).height();
+    // The brackets of the highlighted nested blocks, in the fold column,
+    // under the fold boxes.
+    if (m_foldingVisible && !m_highlightOpen.isEmpty()) {
+        painter.setRenderHint(QPainter::Antialiasing, false);
+        painter.setPen(Qt::gray);
+        for (int i = 0; i < m_highlightOpen.size(); ++i) {
+            const QTextBlock open = doc->findBlockByNumber(m_highlightOpen.at(i));
+            const QTextBlock close = doc->findBlockByNumber(m_highlightClose.at(i));
+            if (!open.isValid() || !close.isValid())
+                continue;
+            const QRect box = foldBoxRect(open);
+            const qreal x = box.center().x() + 0.5;
+            const QRectF closeRect = blockBoundingGeometry(close).translated(contentOffset());
+            qreal y1 = box.bottom() + 1.5;
+            qreal y2 = closeRect.top() + qMax<qreal>(closeRect.height(), lineHeight) - 2.5;
+            if (!close.isVisible())
+                y2 = box.bottom() + 3.5;
+            if (y2 <= y1)
+                continue;
+            painter.drawLine(QPointF(x, y1), QPointF(x, y2));
+            painter.drawLine(QPointF(x, y2), QPointF(width - 2.5, y2));
+        }
+    }
+
     QTextBlock block = firstVisibleBlock();
     qreal top = blockBoundingGeometry(block).translated(contentOffset()).top();
     while (block.isValid() && top <= area.bottom()) {
@@ -191,28 +215,6 @@ void QTextEditor::extraAreaPaintEvent(QPaintEvent *event)
         block = block.next();
     }
 
-    // The brackets of the highlighted nested blocks, in the fold column.
-    if (m_foldingVisible && !m_highlightOpen.isEmpty()) {
-        painter.setRenderHint(QPainter::Antialiasing, false);
-        painter.setPen(Qt::gray);
-        const qreal x = width - fold / 2.0 + 0.5;
-        for (int i = 0; i < m_highlightOpen.size(); ++i) {
-            const QTextBlock open = doc->findBlockByNumber(m_highlightOpen.at(i));
-            const QTextBlock close = doc->findBlockByNumber(m_highlightClose.at(i));
-            if (!open.isValid() || !close.isValid())
-                continue;
-            const QRect box = foldBoxRect(open);
-            const QRectF closeRect = blockBoundingGeometry(close).translated(contentOffset());
-            qreal y1 = box.bottom() + 1.5;
-            qreal y2 = closeRect.top() + qMax<qreal>(closeRect.height(), lineHeight) - 2.5;
-            if (!close.isVisible())
-                y2 = box.bottom() + 3.5;
-            if (y2 <= y1)
-                continue;
-            painter.drawLine(QPointF(x, y1), QPointF(x, y2));
-            painter.drawLine(QPointF(x, y2), QPointF(width - 2.5, y2));
-        }
-    }
 }
 
 void QTextEditor::setExtraAreaHighlightBlock(int block)
