@@ -2,6 +2,7 @@
 
 #include <QBasicTimer>
 #include <QColor>
+#include <QHash>
 #include <QMap>
 #include <QPlainTextEdit>
 #include <QTextBlock>
@@ -151,6 +152,7 @@ private:
     QAbstractItemModel *completionModelFor(const QString &textBeforeWord) const;
     QString wordBeforeCursor() const;
     void handleCompletion(QKeyEvent *event);
+    int popupWidth();
     void autoScrollStep();
 
     QColor m_lineColor;
@@ -166,6 +168,7 @@ private:
     bool m_parenMatching = true;
     QCompleter *m_completer = nullptr;
     QMap<QString, QAbstractItemModel *> m_completionModels;
+    QHash<QAbstractItemModel *, int> m_popupWidths;
     int m_currentLineNumber = -1;
     int m_visibleCollapsedBlock = -1;
     int m_suggestedCollapsedBlock = -1;

@@ -38,6 +38,7 @@ void QTextEditor::loadCompletion(const QString &path)
     m_completer->setModel(nullptr);
     qDeleteAll(m_completionModels);
     m_completionModels.clear();
+    m_popupWidths.clear();
 
     QDomDocument doc;
     if (!QXmlHelper::parseFile(doc, path) || doc.documentElement().tagName() != QLatin1String("completion"))
@@ -129,15 +130,27 @@ void QTextEditor::handleCompletion(QKeyEvent *event)
     // that starts with the prefix as it shows the list.
     if (prefix != m_completer->completionPrefix())
         m_completer->setCompletionPrefix(prefix);
-    // As wide as the longest word of the list, not only of the rows in view.
-    const QAbstractItemModel *list = m_completer->completionModel();
-    const QFontMetrics fm(popup->font());
-    int widest = popup->sizeHintForColumn(0);
-    for (int row = 0; row < list->rowCount(); ++row)
-        widest = qMax(widest, fm.horizontalAdvance(list->index(row, 0).data().toString()) + 2 * fm.averageCharWidth());
     QRect rect = cursorRect();
-    rect.setWidth(widest + popup->verticalScrollBar()->sizeHint().width());
+    rect.setWidth(popupWidth() + popup->verticalScrollBar()->sizeHint().width());
     m_completer->complete(rect);
+}
+
+int QTextEditor::popupWidth()
+{
+    // As wide as the longest word of the list, not only of the rows in view;
+    // measured once per list, off the later keystrokes.
+    QAbstractItemModel *model = m_completer->model();
+    auto it = m_popupWidths.constFind(model);
+    if (it != m_popupWidths.constEnd())
+        return *it;
+    const QAbstractItemView *popup = m_completer->popup();
+    const QFontMetrics fm(popup->font());
+    int widest = 0;
+    for (int row = 0; model && row < model->rowCount(); ++row)
+        widest = qMax(widest, fm.horizontalAdvance(model->index(row, 0).data().toString()));
+    widest += 2 * fm.averageCharWidth() + 2 * popup->frameWidth();
+    m_popupWidths.insert(model, widest);
+    return widest;
 }
 
 void QTextEditor::insertCompletion(const QString &word)
