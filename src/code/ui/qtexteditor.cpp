@@ -73,10 +73,9 @@ void QTextEditor::setDocument(QTextDocument *document)
 {
     m_parenthesesTimer->stop();
     m_extraSelections[ParenthesesSelection].clear();
-    if (QTextDocument *old = QPlainTextEdit::document()) {
-        disconnect(old, nullptr, this, nullptr);
-        disconnect(old->documentLayout(), nullptr, this, nullptr);
-    }
+    for (const QMetaObject::Connection &c : std::as_const(m_documentConnections))
+        disconnect(c);
+    m_documentConnections.clear();
     if (document && !qobject_cast<QTextDocLayout *>(document->documentLayout()))
         document->setDocumentLayout(new QTextDocLayout(document));
 
@@ -85,9 +84,10 @@ void QTextEditor::setDocument(QTextDocument *document)
     connect(this, &QPlainTextEdit::cursorPositionChanged, this, &QTextEditor::slotCursorPositionChanged);
 
     QTextDocument *doc = QPlainTextEdit::document();
-    connect(doc->documentLayout(), &QAbstractTextDocumentLayout::updateBlock, this,
-            &QTextEditor::slotUpdateBlockNotify);
-    connect(doc, &QTextDocument::contentsChange, this, [this](int, int, int) { scheduleFoldRepair(); });
+    m_documentConnections << connect(doc->documentLayout(), &QAbstractTextDocumentLayout::updateBlock, this,
+                                     &QTextEditor::slotUpdateBlockNotify)
+                          << connect(doc, &QTextDocument::contentsChange, this,
+                                     [this](int, int, int) { scheduleFoldRepair(); });
 
     m_currentLineNumber = -1;
     m_visibleCollapsedBlock = -1;

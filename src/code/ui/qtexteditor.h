@@ -189,4 +189,5 @@ private:
     int m_lastExtraAreaWidth = -1;
     QPoint m_stripPointer; // last pointer position over the strip
     bool m_foldsPresent = false;
+    QList<QMetaObject::Connection> m_documentConnections;
 };
