@@ -1,3 +1,4 @@
+#include "core/qlog.h"
 #include "core/qxmlhelper.h"
 #include "core/ui/mainwindow.h"
 
@@ -16,6 +17,11 @@ int main(int argc, char *argv[])
     // Rendering through OpenGL is chosen per widget in Qt 6; nothing is set
     // globally before the application object exists.
     application = new QApplication(argc, argv);
+    // The log a bug report carries: every run adds to it, Qt's own warnings included.
+    QLog log(QLog::defaultPath());
+    log.installMessageHandler();
+    QLog::setCurrent(&log);
+    log.append(QStringLiteral("Brawlforge started"));
     QXmlHelper::setFailureHandler([](const QString &message) {
         QMessageBox::critical(nullptr, QObject::tr("XML"), message);
     });
@@ -31,5 +37,6 @@ int main(int argc, char *argv[])
     delete splash;
 
     const int result = QApplication::exec();
+    log.append(QStringLiteral("Brawlforge stopped"));
     return result;
 }

@@ -109,7 +109,8 @@ ExitCode info(const QStringList &words)
     meter.finish();
     const int issues = Console::printIssues(*project.messages(), QFileInfo(path).fileName());
     if (!opened) {
-        Console::fail(QStringLiteral("'%1': cannot be opened as a project").arg(QDir::toNativeSeparators(path)));
+        Console::fail(QStringLiteral("'%1': cannot be opened as a project: %2")
+                          .arg(QDir::toNativeSeparators(path), project.failures().join(QStringLiteral("; "))));
         return ExitCode::Failure;
     }
 
@@ -142,6 +143,12 @@ ExitCode info(const QStringList &words)
             out += QStringLiteral("  %1 %2\n").arg(IssuesJson::kindName(m.kind), -11).arg(m.text);
         Console::out(out);
     }
+    // A file the DEF names that is there but can't be read leaves the project incomplete.
+    const QStringList failures = project.failures();
+    for (const QString &failure : failures)
+        Console::fail(failure);
+    if (!failures.isEmpty())
+        return ExitCode::Failure;
     return issues ? ExitCode::Issues : ExitCode::Ok;
 }
 

@@ -53,7 +53,14 @@ bool SpriteFile::load(const QString &path, bool isCharacter, QString *error)
     const bool loaded = m_store.fromFile(path, isCharacter, false);
     meter.finish();
     if (!loaded) {
-        *error = QStringLiteral("'%1': cannot be loaded as a sprite file").arg(QDir::toNativeSeparators(path));
+        // The reason is the last error the store gave, without its place.
+        QString reason;
+        const QList<QMessages::Message> said = m_messages.messages();
+        for (qsizetype i = said.size() - 1; i >= 0 && reason.isEmpty(); --i)
+            if (said.at(i).kind == QMessages::Error)
+                reason = said.at(i).text.section(QStringLiteral("): "), 1, -1);
+        *error = QStringLiteral("'%1': cannot be loaded as a sprite file%2")
+                     .arg(QDir::toNativeSeparators(path), reason.isEmpty() ? QString() : QStringLiteral(": ") + reason);
         return false;
     }
     return true;

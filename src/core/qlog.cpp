@@ -2,6 +2,7 @@
 
 #include "core/qmessages.h"
 
+#include <QAtomicPointer>
 #include <QCoreApplication>
 #include <QDateTime>
 #include <QDir>
@@ -12,6 +13,7 @@
 namespace {
 
 QLog *g_handlerLog = nullptr;
+QAtomicPointer<QLog> g_current;
 QtMessageHandler g_previousHandler = nullptr;
 thread_local bool t_inHandler = false;
 
@@ -38,6 +40,7 @@ QLog::QLog(const QString &path, qint64 maxBytes)
 
 QLog::~QLog()
 {
+    g_current.testAndSetOrdered(this, nullptr);
     if (m_handlerInstalled && g_handlerLog == this) {
         qInstallMessageHandler(g_previousHandler);
         g_handlerLog = nullptr;
@@ -50,10 +53,26 @@ QString QLog::defaultPath()
     return QDir(QCoreApplication::applicationDirPath()).filePath(QStringLiteral("log.txt"));
 }
 
-QLog &QLog::process()
+QLog *QLog::current()
 {
-    static QLog log(defaultPath());
-    return log;
+    return g_current.loadAcquire();
+}
+
+void QLog::setCurrent(QLog *log)
+{
+    g_current.storeRelease(log);
+}
+
+void QLog::note(const QString &line)
+{
+    if (QLog *log = current())
+        log->append(line);
+}
+
+void QLog::noteMessages(const QString &title, const QMessages &messages)
+{
+    if (QLog *log = current())
+        log->appendMessages(title, messages);
 }
 
 void QLog::setEnabled(bool on)

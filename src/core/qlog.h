@@ -16,9 +16,15 @@ public:
     explicit QLog(const QString &path, qint64 maxBytes = 1024 * 1024);
     ~QLog();
 
-    // The log of this process beside the executable; created on first use.
-    static QLog &process();
+    // <application dir>/log.txt, where the program keeps its log.
     static QString defaultPath();
+    // The log the program writes to, set up by main(); null where nobody set
+    // one (the command-line tool, most tests), and then nothing is logged.
+    static QLog *current();
+    static void setCurrent(QLog *log);
+    // append() and appendMessages() on the current log, if there is one.
+    static void note(const QString &line);
+    static void noteMessages(const QString &title, const QMessages &messages);
 
     QString path() const { return m_path; }
     qint64 maxBytes() const { return m_maxBytes; }

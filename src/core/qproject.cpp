@@ -23,6 +23,19 @@ QString normalized(const QString &name)
     return n;
 }
 
+// One line for the issue list and for a message box's list of files.
+QString flat(QString text)
+{
+    text.replace(QLatin1String("\r\n"), QLatin1String(" ")).replace(QLatin1Char('\n'), QLatin1Char(' '));
+    return text.trimmed();
+}
+
+bool sameFile(const QString &a, const QString &b)
+{
+    const QString ca = QFileInfo(a).canonicalFilePath();
+    return !ca.isEmpty() && ca == QFileInfo(b).canonicalFilePath();
+}
+
 QString unquoted(const QString &value)
 {
     if (value.size() >= 2 && value.startsWith(QLatin1Char('"')) && value.endsWith(QLatin1Char('"')))
@@ -45,6 +58,10 @@ QProject::QProject(const QProjectSettings &settings, QObject *parent)
     }
     m_animations.setMessages(&m_messages);
     m_sprites.messages = &m_messages;
+    // The store says why a file failed through fileError; the project puts
+    // the reason into its own report of that file.
+    connect(&m_sprites, &QSprites::fileError, this,
+            [this](const QString &, const QString &text) { m_spritesError = text; });
     connect(&m_definitions, &QSyntaxTextEditor::hierarchyUpdated, this, &QProject::defChanged);
 }
 
@@ -326,7 +343,14 @@ bool QProject::step(uint position, uint total)
 {
     bool goOn = true;
     emit progress(position, total, goOn);
+    m_stopped = m_stopped || !goOn;
     return goOn;
+}
+
+void QProject::beginWork()
+{
+    m_failures.clear();
+    m_stopped = false;
 }
 
 QString QProject::place(const QString &file, int line) const
@@ -377,6 +401,14 @@ void QProject::reportBadBytes(const QSyntaxTextEditor &doc)
                                   .arg(place(doc.fileName(), doc.firstBadLine()), QString::fromLatin1(doc.encoding())));
 }
 
+void QProject::fail(const QString &path, const QString &text, bool listed)
+{
+    const QString line = flat(text);
+    if (!listed)
+        m_messages.addError(QStringLiteral("%1: %2").arg(place(path), line));
+    m_failures.append(QStringLiteral("%1: %2").arg(QDir::toNativeSeparators(path), line));
+}
+
 QString QProject::makeBackupFolder(const QString &defFile)
 {
     const QString folder = QFileInfo(defFile).canonicalPath();
@@ -385,7 +417,7 @@ QString QProject::makeBackupFolder(const QString &defFile)
     const QString stamp = QLocale::c().toString(QDateTime::currentDateTime(), QStringLiteral("dd-MM-yyyy h-m-s ap"));
     const QString dir = folder + QStringLiteral("/backup/") + stamp + QLatin1Char('/');
     if (!QDir().mkpath(dir)) {
-        m_messages.addWarning(tr("%1: The backup folder can't be made").arg(place(dir)));
+        fail(dir, tr("The backup folder can't be made"));
         return QString();
     }
     return dir;
@@ -406,25 +438,51 @@ QString QProject::targetIn(const QString &folder, const QString &name)
     return target;
 }
 
-bool QProject::copyOriginal(const QString &source, const QString &target)
+bool QProject::copyOriginal(const QString &source, const QString &target, QString *error)
 {
     QFile in(source);
-    if (!in.open(QIODevice::ReadOnly))
+    if (!in.open(QIODevice::ReadOnly)) {
+        *error = in.errorString();
         return false;
+    }
+    QDir().mkpath(QFileInfo(target).absolutePath());
     QSaveFile out(target);
-    if (!QDir().mkpath(QFileInfo(target).absolutePath()) || !out.open(QIODevice::WriteOnly))
+    if (!out.open(QIODevice::WriteOnly)) {
+        *error = out.errorString();
         return false;
+    }
     char buffer[64 * 1024];
     for (;;) {
         const qint64 n = in.read(buffer, sizeof buffer);
-        if (n < 0)
+        if (n < 0) {
+            *error = in.errorString();
+            out.cancelWriting();
             return false;
+        }
         if (n == 0)
             break;
-        if (out.write(buffer, n) != n)
+        if (out.write(buffer, n) != n) {
+            *error = out.errorString();
+            out.cancelWriting();
             return false;
+        }
     }
-    return out.commit();
+    if (out.commit())
+        return true;
+    *error = out.errorString();
+    return false;
+}
+
+// A file copied as it is on disk; a source that is the target already stays.
+bool QProject::copyFile(const QString &source, const QString &target)
+{
+    if (sameFile(source, target))
+        return true;
+    QString error;
+    if (copyOriginal(source, target, &error))
+        return true;
+    fail(target, tr("Can't be copied from %1: %2").arg(QDir::toNativeSeparators(source), error));
+    return false;
 }
 
 void QProject::copyToBackup(const QString &source, const QString &name)
@@ -432,8 +490,8 @@ void QProject::copyToBackup(const QString &source, const QString &name)
     if (m_backup.isEmpty())
         return;
     const QString target = targetIn(m_backup, name);
-    if (!target.isEmpty() && !copyOriginal(source, target))
-        m_messages.addWarning(tr("%1: No backup copy could be written").arg(place(source)));
+    if (!target.isEmpty())
+        copyFile(source, target);
 }
 
 bool QProject::saveText(QSyntaxTextEditor &doc, const QString &path, bool asUtf8, bool asCopy)
@@ -445,8 +503,21 @@ bool QProject::saveText(QSyntaxTextEditor &doc, const QString &path, bool asUtf8
                                       .arg(place(path, doc.firstLossyLine()), QString::fromLatin1(doc.encoding())));
         return true;
     }
-    m_messages.addError(tr("%1: Can't be saved: %2").arg(place(path), doc.errorString()));
+    fail(path, tr("Can't be saved: %1").arg(doc.errorString()));
     return false;
+}
+
+// The animation and sound stores keep nothing in memory yet: their slot is the
+// file the project was read from (`original`, empty if there is none), copied
+// as it is. A store that holds its content writes it here instead.
+bool QProject::writeAnimations(const QString &target, const QString &original)
+{
+    return original.isEmpty() || copyFile(original, target);
+}
+
+bool QProject::writeSounds(const QString &target, const QString &original)
+{
+    return original.isEmpty() || copyFile(original, target);
 }
 
 // ---------------------------------------------------------------- load
@@ -454,6 +525,7 @@ bool QProject::saveText(QSyntaxTextEditor &doc, const QString &path, bool asUtf8
 bool QProject::fromFile(const QString &fileName, uint codepage, bool backup, bool temporary)
 {
     m_messages.addInfo(tr("Open project - %1").arg(fileName));
+    beginWork();
     m_backup.clear();
     if (backup && QFileInfo(fileName).isFile()) {
         m_backup = makeBackupFolder(fileName);
@@ -464,7 +536,7 @@ bool QProject::fromFile(const QString &fileName, uint codepage, bool backup, boo
     // The DEF's hierarchy update runs defChanged(): type, version and local
     // coordinates are known before the rest is read.
     if (!m_definitions.loadFile(fileName, int(codepage), temporary, temporary)) {
-        m_messages.addError(tr("%1: The definitions can't be read: %2").arg(place(fileName), m_definitions.errorString()));
+        fail(fileName, tr("The definitions can't be read: %1").arg(m_definitions.errorString()));
         m_backup.clear();
         return false;
     }
@@ -520,7 +592,7 @@ bool QProject::fromFile(const QString &fileName, uint codepage, bool backup, boo
 
     const QString spr = existing(files.sprite);
     if (!spr.isEmpty())
-        loadSprites(spr, temporary);
+        loadSprites(spr, temporary, done, total);
     if (!step(++done, total))
         return finish();
 
@@ -543,7 +615,7 @@ bool QProject::fromFile(const QString &fileName, uint codepage, bool backup, boo
             if (m_commands.loadFile(cmd, int(codepage), temporary, temporary))
                 reportBadBytes(m_commands);
             else
-                m_messages.addError(tr("%1: Can't be read: %2").arg(place(cmd), m_commands.errorString()));
+                fail(cmd, tr("Can't be read: %1").arg(m_commands.errorString()));
         } else if (!temporary && !files.command.isEmpty()) {
             m_commands.setFileName(resolveFile(files.folder, files.command));
         }
@@ -580,7 +652,7 @@ bool QProject::fromFile(const QString &fileName, uint codepage, bool backup, boo
                     m_states.append(doc);
                     reportBadBytes(*doc);
                 } else {
-                    m_messages.addError(tr("%1: Can't be read: %2").arg(place(path), doc->errorString()));
+                    fail(path, tr("Can't be read: %1").arg(doc->errorString()));
                     if (reused)
                         m_states.append(doc);
                     else
@@ -647,6 +719,7 @@ bool QProject::saveFile(QProjectFile kind, bool asUtf8, int state)
 
 bool QProject::toFile()
 {
+    beginWork();
     if (m_definitions.fileName().isEmpty())
         return false;
     if ((m_definitions.isModified() || !QFileInfo(m_definitions.fileName()).isFile())
@@ -655,18 +728,17 @@ bool QProject::toFile()
 
     const uint total = uint(m_states.size() + 4);
     uint done = 0;
-    bool ok = true;
     if (!step(done, total))
         return false;
 
     if (!QFileInfo(spritesFile()).isFile())
         saveFile(QProjectFile::Sprites, false);
     else if (spritesModified() && askCanSave(QProjectFile::Sprites, spritesVersion()))
-        ok = writeSprites(spritesFile(), 0, false) && ok;
+        writeSprites(spritesFile(), 0, false);
     if (!step(++done, total))
         return false;
     if (!isCharacter())
-        return ok;
+        return workDone();
 
     // The animation and sound stores hold nothing to write yet.
     if (!step(++done, total))
@@ -675,7 +747,7 @@ bool QProject::toFile()
     if (!QFileInfo(m_commands.fileName()).isFile())
         saveFile(QProjectFile::Commands, false);
     else if (m_commands.isModified())
-        ok = saveText(m_commands, m_commands.fileName(), false, false) && ok;
+        saveText(m_commands, m_commands.fileName(), false, false);
     if (!step(++done, total))
         return false;
 
@@ -684,154 +756,202 @@ bool QProject::toFile()
         if (!QFileInfo(doc->fileName()).isFile())
             saveFile(QProjectFile::States, false, i);
         else if (doc->isModified())
-            ok = saveText(*doc, doc->fileName(), false, false) && ok;
+            saveText(*doc, doc->fileName(), false, false);
         if (!step(++done, total))
             return false;
     }
 
     if (!step(++done, total))
         return false;
-    return ok;
+    return workDone();
 }
 
 bool QProject::saveAs(const QString &fileName, bool asUtf8)
 {
-    if (!saveText(m_definitions, fileName, asUtf8, false))
-        return false;
-    m_defFiles.folder = QFileInfo(fileName).absolutePath();
-    const uint total = isCharacter() ? uint(m_states.size() + 4) : 1;
-    uint done = 0;
-    saveFile(QProjectFile::Sprites, asUtf8);
-    if (!step(++done, total))
-        return false;
-    if (!isCharacter())
-        return true;
-    saveFile(QProjectFile::Animations, asUtf8);
-    if (!step(++done, total))
-        return false;
-    saveFile(QProjectFile::Commands, asUtf8);
-    if (!step(++done, total))
-        return false;
-    for (int i = 0; i < m_states.size(); ++i) {
-        saveFile(QProjectFile::States, asUtf8, i);
-        if (!step(++done, total))
-            return false;
+    beginWork();
+    const QFileInfo info(fileName);
+    return writeProject(info.absolutePath(), info.fileName(), CopyKind::SaveAs, asUtf8);
+}
+
+QStringList QProject::filesReplacedBySaveAs(const QString &fileName) const
+{
+    const QProjectDefFiles files = scanDef(m_definitions.fileName());
+    const QString root = QDir::cleanPath(QFileInfo(fileName).absolutePath());
+    QStringList names = files.palettes + files.states;
+    names << files.sprite << files.animation << files.sound << files.command;
+    QStringList replaced;
+    for (const QString &name : std::as_const(names)) {
+        const QString target = QDir::cleanPath(root + QLatin1Char('/') + normalized(name));
+        const QString own = files.folder.isEmpty() ? QString() : resolveFile(files.folder, name);
+        if (!name.isEmpty() && target.startsWith(root + QLatin1Char('/')) && QFileInfo(target).isFile()
+            && !sameFile(own, target) && !replaced.contains(target))
+            replaced << target;
     }
-    saveFile(QProjectFile::Sounds, asUtf8);
-    step(++done, total);
-    return true;
+    return replaced;
 }
 
 // ---------------------------------------------------------------- copies
 
 bool QProject::toTemporary(const QString &folder, const QString &baseName)
 {
-    return writeCopy(folder, baseName + QStringLiteral(".def"));
+    beginWork();
+    return writeProject(folder, baseName + QStringLiteral(".def"), CopyKind::TestCopy);
 }
 
 bool QProject::backup()
 {
+    beginWork();
     const QString def = m_definitions.fileName();
-    if (def.isEmpty() || !QFileInfo(QFileInfo(def).absolutePath()).isDir())
+    if (def.isEmpty())
         return false;
+    if (!QFileInfo(QFileInfo(def).absolutePath()).isDir()) {
+        fail(def, tr("The project's folder no longer exists: no backup can be made beside it"));
+        return false;
+    }
     const QString dir = makeBackupFolder(def);
     if (dir.isEmpty())
         return false;
     m_lastBackup = dir;
-    return writeCopy(dir, QFileInfo(def).fileName());
+    return writeProject(dir, QFileInfo(def).fileName(), CopyKind::Backup);
 }
 
-// Writes the DEF as it stands and every piece under the name the DEF gives
-// it, so that the folder is a working copy. Nothing asked, nothing marked
-// saved. A slot with nothing in memory is copied from its file, so the copy
-// stays complete.
-bool QProject::writeCopy(const QString &folder, const QString &defName)
+// Writes the DEF and every file it names under the names it gives them,
+// inside `folder`, so that the folder holds the whole project. What a store
+// holds is written from memory; a slot with nothing in memory is copied from
+// the file the project was read from.
+bool QProject::writeProject(const QString &folder, const QString &defName, CopyKind kind, bool asUtf8)
 {
+    const bool real = kind == CopyKind::SaveAs;
+    // Names and sources as the project stands, before a Save As moves it.
     const QProjectDefFiles files = scanDef(m_definitions.fileName());
     m_defFiles.lines = files.lines;
     if (!QDir().mkpath(folder)) {
-        m_messages.addError(tr("%1: The folder can't be made").arg(place(folder)));
+        fail(folder, tr("The folder can't be made"));
         return false;
     }
     const uint total = uint(files.palettes.size() + files.states.size() + 5);
     uint done = 0;
-    bool ok = saveText(m_definitions, QDir(folder).filePath(defName), false, true);
+    // Without its DEF the folder is no project: nothing else is written.
+    if (!saveText(m_definitions, QDir(folder).filePath(defName), asUtf8, !real))
+        return false;
+    if (real)
+        m_defFiles.folder = QDir::cleanPath(QDir(folder).absolutePath());
     if (!step(++done, total))
         return false;
 
-    auto fallback = [&](const QString &name, const QString &target) {
-        const QString source = resolveFile(files.folder, name);
-        if (!files.folder.isEmpty() && QFileInfo(source).isFile() && !copyOriginal(source, target)) {
-            m_messages.addError(tr("%1: Can't be copied").arg(place(target)));
-            ok = false;
-        }
+    auto source = [&files](const QString &name) {
+        const QString path = files.folder.isEmpty() ? QString() : resolveFile(files.folder, name);
+        return QFileInfo(path).isFile() ? path : QString();
     };
+    auto copyOver = [&](const QString &name, const QString &target) {
+        const QString from = source(name);
+        if (!from.isEmpty())
+            copyFile(from, target);
+    };
+    auto prepare = [](const QString &target) { QDir().mkpath(QFileInfo(target).absolutePath()); };
 
     if (isCharacter()) {
-        for (int i = 0; i < files.palettes.size(); ++i) {
-            const QString target = targetIn(folder, files.palettes.at(i));
+        for (const QString &name : files.palettes) {
+            const QString target = targetIn(folder, name);
             if (!target.isEmpty()) {
-                if (const QRGBPal *colors = palette(m_paletteNumbers.value(files.palettes.at(i))))
-                    ok = writePalette(*colors, target) && ok;
+                if (const QRGBPal *colors = palette(m_paletteNumbers.value(name)))
+                    writePalette(*colors, target);
                 else
-                    fallback(files.palettes.at(i), target);
+                    copyOver(name, target);
             }
             if (!step(++done, total))
                 return false;
         }
     }
-    if (!files.sprite.isEmpty()) {
-        const QString target = targetIn(folder, files.sprite);
-        if (!target.isEmpty()) {
-            if (spritesEmpty())
-                fallback(files.sprite, target);
-            else if (!QDir().mkpath(QFileInfo(target).absolutePath()) || !writeSprites(target, 0, true))
-                ok = false;
+
+    const QString spriteTarget = files.sprite.isEmpty() ? QString() : targetIn(folder, files.sprite);
+    if (!spriteTarget.isEmpty()) {
+        if (spritesEmpty()) {
+            // A store that holds nothing because nothing was read: the file stays part of the project.
+            if (!spritesModified())
+                copyOver(files.sprite, spriteTarget);
+        } else if (!real) {
+            prepare(spriteTarget);
+            writeSprites(spriteTarget, 0, true, kind == CopyKind::TestCopy);
+        } else {
+            const quint32 version = askSpritesVersion(spritesVersion());
+            if (askCanSave(QProjectFile::Sprites, version)) {
+                prepare(spriteTarget);
+                writeSprites(spriteTarget, version, false);
+            }
         }
+    } else if (real && files.sprite.isEmpty()) {
+        // The DEF names no sprite file: the author names one.
+        saveFile(QProjectFile::Sprites, asUtf8);
     }
     if (!step(++done, total))
         return false;
-    if (isCharacter()) {
-        for (const QString &name : {files.animation, files.sound}) {
-            const QString target = name.isEmpty() ? QString() : targetIn(folder, name);
-            if (!target.isEmpty())
-                fallback(name, target);
-            if (!step(++done, total))
-                return false;
+    if (!isCharacter())
+        return workDone();
+
+    if (!files.animation.isEmpty()) {
+        const QString target = targetIn(folder, files.animation);
+        if (!target.isEmpty())
+            writeAnimations(target, source(files.animation));
+    }
+    if (!step(++done, total))
+        return false;
+    if (!files.sound.isEmpty()) {
+        const QString target = targetIn(folder, files.sound);
+        if (!target.isEmpty())
+            writeSounds(target, source(files.sound));
+    }
+    if (!step(++done, total))
+        return false;
+
+    if (!files.command.isEmpty()) {
+        const QString target = targetIn(folder, files.command);
+        if (!target.isEmpty()) {
+            if (m_commands.isEmpty() && !m_commands.isModified()) {
+                copyOver(files.command, target);
+            } else {
+                prepare(target);
+                saveText(m_commands, target, asUtf8, !real);
+            }
         }
-        if (!files.command.isEmpty()) {
-            const QString target = targetIn(folder, files.command);
-            if (!target.isEmpty()) {
-                if (m_commands.isEmpty())
-                    fallback(files.command, target);
-                else
-                    ok = QDir().mkpath(QFileInfo(target).absolutePath()) && saveText(m_commands, target, false, true) && ok;
+    } else if (real) {
+        saveFile(QProjectFile::Commands, asUtf8);
+    }
+    if (!step(++done, total))
+        return false;
+
+    QList<QSyntaxTextEditor *> unnamed = m_states;
+    for (const QString &name : files.states) {
+        const QString target = targetIn(folder, name);
+        const QString resolved = files.folder.isEmpty() ? QString() : resolveFile(files.folder, name);
+        const QString suffix = QLatin1Char('/') + normalized(name);
+        QSyntaxTextEditor *doc = nullptr;
+        for (QSyntaxTextEditor *d : std::as_const(m_states)) {
+            if (!d->fileName().isEmpty() && (d->fileName() == resolved || d->fileName().endsWith(suffix))) {
+                doc = d;
+                break;
+            }
+        }
+        unnamed.removeOne(doc);
+        if (!target.isEmpty()) {
+            if (doc) {
+                prepare(target);
+                if (saveText(*doc, target, asUtf8, !real) && real)
+                    doc->setObjectName(QFileInfo(target).fileName());
+            } else {
+                copyOver(name, target);
             }
         }
         if (!step(++done, total))
             return false;
-        for (const QString &name : files.states) {
-            const QString target = targetIn(folder, name);
-            if (!target.isEmpty()) {
-                const QString resolved = resolveFile(files.folder, name);
-                const QString suffix = QLatin1Char('/') + normalized(name);
-                QSyntaxTextEditor *doc = nullptr;
-                for (QSyntaxTextEditor *d : std::as_const(m_states)) {
-                    if (d->fileName() == resolved || d->fileName().endsWith(suffix)) {
-                        doc = d;
-                        break;
-                    }
-                }
-                if (doc)
-                    ok = QDir().mkpath(QFileInfo(target).absolutePath()) && saveText(*doc, target, false, true) && ok;
-                else
-                    fallback(name, target);
-            }
-            if (!step(++done, total))
-                return false;
-        }
     }
-    return ok;
+    // State documents the DEF doesn't name: on Save As the author names them.
+    if (real) {
+        for (QSyntaxTextEditor *doc : std::as_const(unnamed))
+            saveFile(QProjectFile::States, asUtf8, int(m_states.indexOf(doc)));
+        m_defFiles = scanDef(m_definitions.fileName());
+    }
+    return workDone();
 }
 
 // ---------------------------------------------------------------- sprite slot
@@ -842,7 +962,7 @@ void QProject::loadPalette(const QString &path, int number)
     QRGBPal colors;
     QString error;
     if (!QPaletteFile::load(path, &colors, &error)) {
-        m_messages.addError(tr("%1: Not a palette: %2").arg(place(path), error));
+        fail(path, tr("Not a palette: %1").arg(error));
         return;
     }
     // Part of reading the project, not an edit: no undo, no unsaved mark.
@@ -853,12 +973,41 @@ void QProject::loadPalette(const QString &path, int number)
     m_sprites.modified = false;
 }
 
-bool QProject::loadSprites(const QString &path, bool temporary)
+bool QProject::loadSprites(const QString &path, bool temporary, uint position, uint total)
 {
+    m_spritesError.clear();
+    const int before = m_messages.rowCount();
     if (m_sprites.fromFile(path, isCharacter(), temporary))
         return true;
-    m_messages.addError(tr("%1: The sprites can't be read").arg(place(path)));
+    bool listed = false;
+    const QString reason = spritesLoadFailure(path, before, &listed);
+    // A store that stopped without a word may have been stopped by the user.
+    if (!listed && m_spritesError.isEmpty() && !step(position, total))
+        return false;
+    fail(path, tr("The sprites can't be read: %1").arg(reason), listed);
     return false;
+}
+
+// Why the store refused a file: what it said, or what its reader put in the
+// issues, or else what the first bytes show.
+QString QProject::spritesLoadFailure(const QString &path, qsizetype messagesBefore, bool *listed) const
+{
+    static const QRegularExpression placed(QStringLiteral("^[^\\n]*?\\(\\d+\\): "));
+    const QList<QMessages::Message> said = m_messages.messages();
+    for (qsizetype i = said.size() - 1; i >= messagesBefore; --i) {
+        if (said.at(i).kind != QMessages::Error)
+            continue;
+        *listed = true;
+        return QString(said.at(i).text).remove(placed);
+    }
+    if (!m_spritesError.isEmpty())
+        return m_spritesError;
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return file.errorString();
+    if (file.read(12) != QByteArray("ElecbyteSpr", 12))
+        return tr("not a sprite file (SFF): it doesn't begin with the SFF signature");
+    return tr("the file is damaged");
 }
 
 bool QProject::spritesEmpty() const
@@ -881,11 +1030,16 @@ QString QProject::spritesFile() const
     return m_sprites.fileName;
 }
 
-bool QProject::writeSprites(const QString &path, quint32 version, bool temporary)
+bool QProject::writeSprites(const QString &path, quint32 version, bool temporary, bool quick)
 {
-    if (m_sprites.toFile(path, isCharacter(), version, false, temporary))
+    m_spritesError.clear();
+    if (m_sprites.toFile(path, isCharacter(), version, !quick, temporary))
         return true;
-    m_messages.addError(tr("%1: The sprites can't be saved").arg(place(path)));
+    // The store reports every failure; a write it stopped without a word was cancelled.
+    if (m_spritesError.isEmpty())
+        m_stopped = true;
+    else
+        fail(path, tr("The sprites can't be saved: %1").arg(m_spritesError));
     return false;
 }
 
@@ -899,8 +1053,9 @@ const QRGBPal *QProject::palette(int number) const
 bool QProject::writePalette(const QRGBPal &colors, const QString &path)
 {
     QString error;
-    if (QDir().mkpath(QFileInfo(path).absolutePath()) && QPaletteFile::saveAct(path, colors, &error))
+    QDir().mkpath(QFileInfo(path).absolutePath());
+    if (QPaletteFile::saveAct(path, colors, &error))
         return true;
-    m_messages.addError(tr("%1: The palette can't be saved: %2").arg(place(path), error));
+    fail(path, tr("The palette can't be saved: %1").arg(error));
     return false;
 }

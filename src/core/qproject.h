@@ -73,11 +73,23 @@ public:
     // File names of the last DEF scan: what the DEF names, found or not.
     const QProjectDefFiles &defFiles() const { return m_defFiles; }
 
+    // Loads the whole project; false only when the DEF itself can't be read.
+    // Files it names that exist but can't be read are listed in failures().
     bool fromFile(const QString &fileName, uint codepage, bool backup, bool temporary);
+    // Each of these is false when a file could not be written (see failures())
+    // or the user cancelled; toFile() is also false for a DEF with no name yet.
     bool toFile();
+    // Writes the DEF under `fileName` and every file it names beside it, under
+    // the names the DEF gives them, so that the new DEF opens as a whole.
     bool saveAs(const QString &fileName, bool asUtf8);
+    // Files a Save As under `fileName` would put beside it that exist already
+    // and are not this project's own: the Save As would replace them.
+    QStringList filesReplacedBySaveAs(const QString &fileName) const;
     bool toTemporary(const QString &folder, const QString &baseName);
     bool backup();
+    // Every file the last load, save or copy could not read or write, one
+    // "file: reason" line each. Empty when everything went through.
+    QStringList failures() const { return m_failures; }
     // Saves one slot under a name asked through saveFileName(); `state` picks
     // the state document. False when the slot is empty, refused or not written.
     bool saveFile(QProjectFile kind, bool asUtf8, int state = 0);
@@ -117,6 +129,10 @@ public slots:
 private:
     bool isCharacter() const { return m_type == QProjectType::Character; }
     bool step(uint position, uint total);
+    // A load, save or copy starts with no failure and ends complete only if
+    // nothing failed and nobody cancelled.
+    void beginWork();
+    bool workDone() const { return !m_stopped && m_failures.isEmpty(); }
     QString place(const QString &file, int line = 0) const;
     QString askFileName(QProjectFile kind, const QString &remembered);
     bool askCanSave(QProjectFile kind, quint32 version);
@@ -124,19 +140,34 @@ private:
     QString makeBackupFolder(const QString &defFile);
     void copyToBackup(const QString &source, const QString &name);
     void reportBadBytes(const QSyntaxTextEditor &doc);
-    bool writeCopy(const QString &folder, const QString &defName);
+    // A file that could not be read or written: an error in the issues (unless
+    // `listed`, when a reader has already put it there) and a failure.
+    void fail(const QString &path, const QString &text, bool listed = false);
+
+    // How the whole project is written to a folder: Save As is a real save
+    // (names and flags follow the new files), a backup and a test copy change
+    // nothing in the project; only a test copy is written in a hurry.
+    enum class CopyKind { SaveAs, Backup, TestCopy };
+    bool writeProject(const QString &folder, const QString &defName, CopyKind kind, bool asUtf8 = false);
     QString targetIn(const QString &folder, const QString &name);
-    bool copyOriginal(const QString &source, const QString &target);
+    bool copyOriginal(const QString &source, const QString &target, QString *error);
+    bool copyFile(const QString &source, const QString &target);
     bool saveText(QSyntaxTextEditor &doc, const QString &path, bool asUtf8, bool asCopy);
+    // The animation and sound slots, written to `target`.
+    bool writeAnimations(const QString &target, const QString &original);
+    bool writeSounds(const QString &target, const QString &original);
 
     // The sprite slot, in one place.
     void loadPalette(const QString &path, int number);
-    bool loadSprites(const QString &path, bool temporary);
+    bool loadSprites(const QString &path, bool temporary, uint position, uint total);
     bool spritesEmpty() const;
     bool spritesModified() const;
     quint32 spritesVersion() const;
     QString spritesFile() const;
-    bool writeSprites(const QString &path, quint32 version, bool temporary);
+    // `temporary` leaves the store as it was (no name, no flag); only test
+    // copies skip the LZ5 match search (`quick`).
+    bool writeSprites(const QString &path, quint32 version, bool temporary, bool quick = false);
+    QString spritesLoadFailure(const QString &path, qsizetype messagesBefore, bool *listed) const;
     const QRGBPal *palette(int number) const;
     bool writePalette(const QRGBPal &colors, const QString &path);
 
@@ -159,4 +190,7 @@ private:
     QHash<QString, int> m_paletteNumbers;
     QString m_backup;     // backup folder of the load under way
     QString m_lastBackup;
+    QStringList m_failures;
+    bool m_stopped = false;
+    QString m_spritesError; // what the sprite store said of its last failure
 };

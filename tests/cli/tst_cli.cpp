@@ -763,7 +763,8 @@ void TestCli::projectInfo()
     }
     QCOMPARE(r.code, serious ? 1 : 0);
 
-    // A project whose sprite file is damaged still opens; the damage is reported.
+    // A project whose sprite file can't be read is still listed, but the run
+    // fails, naming the file and the reason.
     QTemporaryDir dir;
     QVERIFY(dir.isValid());
     const QString folder = dir.path();
@@ -772,10 +773,16 @@ void TestCli::projectInfo()
     putWord32(sff, 12, 0x03000000); // a version no reader knows
     QVERIFY(writeAll(folder + QStringLiteral("/kfm.sff"), sff));
     r = runTool({QStringLiteral("project"), QStringLiteral("info"), folder + QStringLiteral("/kfm.def")});
-    EXPECT_EXIT(r, 1);
+    EXPECT_EXIT(r, 2);
     QVERIFY2(r.err.contains("kfm.sff(0): "), r.err.constData());
+    QVERIFY2(r.err.contains("kfm.sff: The sprites can't be read: SFF version '3.0.0.0' not supported"), r.err.constData());
     QVERIFY(r.out.contains("Type:      Character\n"));
     QVERIFY(r.out.contains("\nIssues\n"));
+    sff.replace(0, 11, "NotASprite!");
+    QVERIFY(writeAll(folder + QStringLiteral("/kfm.sff"), sff));
+    r = runTool({QStringLiteral("project"), QStringLiteral("info"), folder + QStringLiteral("/kfm.def")});
+    EXPECT_EXIT(r, 2);
+    QVERIFY2(r.err.contains("kfm.sff: The sprites can't be read: not a sprite file (SFF)"), r.err.constData());
 
     // Files that are no project at all never crash it.
     QByteArray noise(4096, '\0');

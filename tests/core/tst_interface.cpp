@@ -1,3 +1,4 @@
+#include <QApplication>
 #include <QDockWidget>
 #include <QLabel>
 #include <QListView>
@@ -6,17 +7,22 @@
 #include <QSignalSpy>
 #include <QTabBar>
 #include <QTemporaryDir>
+#include <QTimer>
 #include <QtTest>
 
 #include "core/qaction2.h"
 #include "core/qappobjects.h"
+#include "core/qbugreport.h"
+#include "core/qlog.h"
 #include "core/qmugenmodel.h"
 #include "core/qproject.h"
+#include "core/ui/bugdlg.h"
 #include "core/ui/mainwindow.h"
 #include "core/ui/errordlg.h"
 #include "core/ui/qaskuser.h"
 #include "core/ui/qhistorymanager.h"
 #include "core/ui/qinterface.h"
+#include "core/ui/qprogress.h"
 #include "sprites/qsprites.h"
 #include "testsupport.h"
 
@@ -26,6 +32,7 @@ namespace {
 struct Answers
 {
     QStringList asked;
+    QStringList texts; // what each box said, beside `asked`
     QMap<QString, QMessageBox::StandardButton> byTitle;
     QStringList files;       // handed out in order by file dialogs
     QStringList fileTitles;  // what the file dialogs were titled
@@ -37,10 +44,11 @@ struct Answers
 
     Answers()
     {
-        oldMessages = QAskUser::setMessageHandler([this](QMessageBox::Icon, const QString &title, const QString &,
+        oldMessages = QAskUser::setMessageHandler([this](QMessageBox::Icon, const QString &title, const QString &text,
                                                          QMessageBox::StandardButtons,
                                                          QMessageBox::StandardButton def) {
             asked << title;
+            texts << text;
             return byTitle.value(title, def == QMessageBox::NoButton ? QMessageBox::Ok : def);
         });
         oldFiles = QAskUser::setFileHandler([this](QAskUser::FileMode, const QString &title, const QString &,
@@ -105,6 +113,7 @@ private slots:
     void actionListDockSideAndViewSwitches();
     void statusTextAndMenus();
     void sampleCharacterOpensAndSavesAgain();
+    void failuresReachTheUserAndTheLog();
     void cleanupTestCase();
 
 private:
@@ -433,27 +442,100 @@ void TestInterface::sampleCharacterOpensAndSavesAgain()
         QVERIFY(w.grab().save(shots + "/kfm-open.png"));
     }
 
-    // Save as: every slot gets a name in a fresh folder, by its filter.
+    // Save As asks for the DEF only and writes every file it names beside it.
     const QString out = m_dir.filePath("kfm-copy");
-    QVERIFY(QDir().mkpath(out));
     answers.files << out + "/kfm.def";
-    answers.fileFor = [&](const QString &, const QString &filter) {
-        const QRegularExpression ext(R"(\*\.(\w+))");
-        const QString suffix = ext.match(filter).captured(1);
-        return out + "/kfm." + (suffix.isEmpty() ? QString("txt") : suffix);
-    };
     ui->fileSaveAs();
-    QVERIFY(answers.asked.contains("Save as UTF-8"));
-    QVERIFY(QFile::exists(out + "/kfm.def"));
-    QVERIFY(QFile::exists(out + "/kfm.sff"));
-    QVERIFY(QFile::exists(out + "/kfm.cmd"));
+    QCOMPARE(answers.fileTitles, QStringList{"Save project"});
+    for (const char *name : {"kfm.def", "kfm.sff", "kfm.air", "kfm.snd", "kfm.cmd", "kfm.cns"})
+        QVERIFY2(QFile::exists(out + "/" + name), name);
+    QVERIFY(!answers.asked.contains("Save project")); // no failure to report
 
-    // What was written opens again, with the same sprites.
+    // What was written opens again as the whole project.
     ui->openProject(out + "/kfm.def");
     QCOMPARE(ui->projectCount(), 2);
-    QCOMPARE(ui->currentProject()->sprites()->count(), sprites);
-    QCOMPARE(ui->currentProject()->type(), QProjectType::Character);
-    QCOMPARE(ui->currentProject()->messages()->issueCount() == 0 || ui->issuesDialog()->isVisible(), true);
+    QProject *copy = ui->currentProject();
+    QCOMPARE(copy->sprites()->count(), sprites);
+    QCOMPARE(copy->statesCount(), kfm->statesCount());
+    QCOMPARE(copy->commands()->text(), kfm->commands()->text());
+
+    // A long load shows the sprite file's progress too, and the window stops it.
+    int largest = 0;
+    QTimer watch;
+    connect(&watch, &QTimer::timeout, this, [&] {
+        for (QWidget *top : QApplication::topLevelWidgets()) {
+            auto *progress = qobject_cast<QProgress *>(top);
+            if (progress && progress->isVisible()) {
+                largest = qMax(largest, progress->maximum());
+                if (progress->maximum() > 50)
+                    progress->cancel();
+            }
+        }
+    });
+    watch.start(0);
+    answers.asked.clear();
+    ui->openProject(out + "/kfm.def");
+    watch.stop();
+    QVERIFY2(largest >= sprites, qPrintable(QString::number(largest)));
+    QCOMPARE(ui->projectCount(), 3);
+    QCOMPARE(ui->currentProject()->statesCount(), 0);
+    QVERIFY(!answers.asked.contains("Open project")); // cancelled is not failed
+}
+
+void TestInterface::failuresReachTheUserAndTheLog()
+{
+    Answers answers;
+    MainWindow w;
+    QInterface *ui = Bf::mainInterface;
+    QLog log(m_dir.filePath("log.txt"));
+    QLog::setCurrent(&log);
+
+    // A sprite file that isn't one: the project opens and a box says which file and why.
+    const QString folder = m_dir.filePath("broken");
+    const QString def = writeText(folder + "/broken.def",
+                                  "[Info]\r\nname = \"Broken\"\r\n[Files]\r\nsprite = broken.sff\r\ncmd = broken.cmd\r\n");
+    writeText(folder + "/broken.sff", "no sprites in here");
+    writeText(folder + "/broken.cmd", "[Command]\r\n");
+    ui->openProject(def);
+    QCOMPARE(ui->tabBar()->tabText(ui->tabBar()->currentIndex()), QString("Broken"));
+    QCOMPARE(answers.asked.first(), QString("Open project"));
+    QVERIFY(answers.texts.first().contains("broken.sff") && answers.texts.first().contains("signature"));
+
+    // A save that fails says so by name; it is not taken for a project without a name.
+    QProject *project = ui->currentProject();
+    project->definitions()->document()->setPlainText(project->definitions()->text() + "\n; edited");
+    project->definitions()->setFileName(folder + "/broken.sff/broken.def");
+    answers.asked.clear();
+    ui->fileSave();
+    QCOMPARE(answers.asked, QStringList{"Save project"});
+    QVERIFY(answers.texts.last().contains("broken.def: Can't be saved: "));
+    QVERIFY(answers.fileTitles.isEmpty());
+
+    // A sprite file written on its own reports at once; a backup needs a saved project.
+    answers.asked.clear();
+    QVERIFY(!project->sprites()->toFile(folder + "/broken.sff/x.sff", false, 0, true, false));
+    ui->fileNew();
+    ui->fileBackup();
+    QCOMPARE(answers.asked, QStringList({"Sprite saving error", "Backup"}));
+
+    // Help > Report a bug packs the log with what happened and the description.
+    const QString package = m_dir.filePath("report.bfb");
+    answers.files << package;
+    const QAskUser::DialogHandler accept = QAskUser::setDialogHandler([](QDialog *dialog) {
+        if (auto *bug = qobject_cast<BugDlg *>(dialog))
+            bug->setDescription("the sprites vanished");
+        return int(QDialog::Accepted);
+    });
+    ui->helpReportBug();
+    QAskUser::setDialogHandler(accept);
+    QLog::setCurrent(nullptr);
+    QBugReport report;
+    QFile file(package);
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    QVERIFY(report.read(file, nullptr));
+    QCOMPARE(report.description, QString("the sprites vanished"));
+    QVERIFY(report.log.contains("Open project - " + def.toUtf8()));
+    QVERIFY(report.log.contains("broken.sff: The sprites can't be read: "));
 }
 
 void TestInterface::cleanupTestCase()

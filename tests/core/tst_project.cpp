@@ -1,6 +1,7 @@
 #include <QtTest>
 
 #include "core/qproject.h"
+#include "projectstate.h"
 #include "sprites/qpalettefile.h"
 
 #include <QSignalSpy>
@@ -50,6 +51,46 @@ QString makeCharacter(const QString &dir, const QByteArray &extraFiles = QByteAr
     writeAll(dir + QStringLiteral("/broken.act"), "short");
     writeAll(dir + QStringLiteral("/pals/hero4.act"), act(4));
     return def;
+}
+
+// A 32-colour pattern whose rows repeat shifted: what a match search packs well.
+QImage pattern(int size, int shift)
+{
+    QImage img(size, size, QImage::Format_Indexed8);
+    QList<QRgb> table(256, qRgb(0, 0, 0));
+    for (int c = 0; c < 32; ++c)
+        table[c] = qRgb(c * 8, 255 - c * 8, 128);
+    img.setColorTable(table);
+    for (int y = 0; y < size; ++y)
+        for (int x = 0; x < size; ++x)
+            img.scanLine(y)[x] = uchar((x / 3 + y * shift) % 31 + 1);
+    return img;
+}
+
+// The sprite file makeCharacter() names: three sprites on one 32-colour palette.
+void makeSprites(const QString &path)
+{
+    QSprites s;
+    s.addPalette(QRGBPal::fromColorTable(pattern(1, 1).colorTable()), false, 9, 1);
+    QPaletteInfo info = s.paletteInfo(0);
+    info.colorCount = 32;
+    s.setPaletteInfo(0, info);
+    for (int i = 0; i < 3; ++i) {
+        s.add();
+        QVERIFY(s.changeImage(i, pattern(8 + i, i + 1), 2, false, 9, 1));
+        QSpriteInfo id = s.item(i)->info;
+        id.number = quint16(i);
+        s.setInfo(i, id);
+    }
+    QVERIFY(s.toFile(path, true, QSprites::Version201, true, false));
+}
+
+bool hasFailure(QProject &p, const QString &file, const QString &reason)
+{
+    for (const QString &f : p.failures())
+        if (f.contains(file) && f.contains(reason, Qt::CaseInsensitive))
+            return true;
+    return false;
 }
 
 bool hasMessage(QProject &p, int kind, const QString &part)
@@ -327,7 +368,8 @@ private slots:
         p.state(1)->setFileName(longName);
         QVERIFY(!p.toFile());
         QCOMPARE(readAll(longName), QByteArray("previous\r\n"));
-        QVERIFY(hasMessage(p, QMessages::Error, QFileInfo(longName).fileName() + QStringLiteral("(1): ")));
+        QVERIFY(hasMessage(p, QMessages::Error, QFileInfo(longName).fileName() + QStringLiteral("(1): Can't be saved: ")));
+        QVERIFY(hasFailure(p, QFileInfo(longName).fileName(), QStringLiteral("Can't be saved: ")));
         QVERIFY(p.state(1)->isModified());
         // The other changed pieces were still written.
         QVERIFY(readAll(dir.filePath(QStringLiteral("hero.cmd"))).contains("changed"));
@@ -335,35 +377,160 @@ private slots:
         // A DEF without a name can't be saved by toFile (the caller turns to Save As).
         QProject fresh;
         QVERIFY(!fresh.toFile());
+        QVERIFY(fresh.failures().isEmpty());
+    }
 
-        // Save As asks a name for every piece with content, in order; an empty
-        // answer skips the piece, canSave is asked for stores only.
-        p.state(1)->setFileName(dir.filePath(QStringLiteral("states/walk.st")));
+    void saveAsWritesTheWholeProject()
+    {
+        QTemporaryDir dir;
+        const QString def = makeCharacter(dir.path());
+        makeSprites(dir.filePath(QStringLiteral("hero.sff")));
+        QProject p;
+        QVERIFY(p.fromFile(def, 39, false, false));
+        QCOMPARE(p.sprites()->count(), 3);
+        p.addState()->setText(QStringLiteral("[Statedef 30]"));
+
+        // Only what the DEF doesn't name is asked for; the sprite version is asked once.
+        const QString out = dir.filePath(QStringLiteral("copy"));
         QList<QProjectFile> asked;
-        QList<QProjectFile> checked;
-        const QString out = dir.filePath(QStringLiteral("out"));
-        QDir().mkpath(out);
-        connect(&p, &QProject::saveFileName, this, [&](QProjectFile kind, const QString &start) -> QString {
+        connect(&p, &QProject::saveFileName, this, [&](QProjectFile kind, const QString &) {
             asked << kind;
-            if (kind == QProjectFile::Commands) {
-                Q_ASSERT(start.endsWith(QStringLiteral("hero.cmd")));
-                return out + QStringLiteral("/new.cmd");
-            }
-            return kind == QProjectFile::States && asked.count(QProjectFile::States) == 1 ? out + QStringLiteral("/new.cns")
-                                                                                           : QString();
+            return out + QStringLiteral("/extra.st");
         });
-        connect(&p, &QProject::canSave, this, [&](QProject *, QProjectFile kind, quint32) {
-            checked << kind;
-            return true;
+        int versionQuestions = 0;
+        connect(&p, &QProject::spritesVersionToSave, this, [&](quint32) {
+            ++versionQuestions;
+            return QSprites::Version200;
         });
-        QVERIFY(p.saveAs(out + QStringLiteral("/new.def"), true));
-        QCOMPARE(asked, (QList<QProjectFile>{QProjectFile::Commands, QProjectFile::States, QProjectFile::States}));
-        QVERIFY(checked.isEmpty()); // no sprites in this project, commands and states don't ask
-        QVERIFY(readAll(out + QStringLiteral("/new.def")).startsWith("\xEF\xBB\xBF; Hero\r\n"));
-        QCOMPARE(p.definitions()->fileName(), out + QStringLiteral("/new.def"));
-        QCOMPARE(p.commands()->fileName(), out + QStringLiteral("/new.cmd"));
-        QCOMPARE(p.state(0)->objectName(), QStringLiteral("new.cns"));
-        QVERIFY(QFileInfo::exists(out + QStringLiteral("/new.cns")));
+        // Files of someone else's that it would replace are known beforehand.
+        writeAll(out + QStringLiteral("/hero.cns"), "[Statedef 0]");
+        QCOMPARE(p.filesReplacedBySaveAs(out + QStringLiteral("/renamed.def")), QStringList{out + QStringLiteral("/hero.cns")});
+        QVERIFY(p.filesReplacedBySaveAs(def).isEmpty());
+        const TestSupport::ProjectState before = TestSupport::ProjectState::of(p);
+        QVERIFY(p.saveAs(out + QStringLiteral("/renamed.def"), false));
+        QVERIFY(p.failures().isEmpty());
+        QCOMPARE(asked, QList<QProjectFile>{QProjectFile::States});
+        QCOMPARE(versionQuestions, 1);
+        BF_VERIFY_UNCHANGED(before, p, true, "Save As");
+
+        // Every file the project has lies beside the new DEF, under the name the DEF gives it.
+        for (const char *name : {"hero.cmd", "hero.cns", "States/walk.st", "hero.sff", "hero.air", "hero.snd",
+                                 "hero1.act", "broken.act", "pals/hero4.act", "extra.st"})
+            QVERIFY2(QFileInfo::exists(out + QLatin1Char('/') + QLatin1String(name)), name);
+        QCOMPARE(readAll(out + QStringLiteral("/hero.air")), readAll(dir.filePath(QStringLiteral("hero.air"))));
+        QCOMPARE(readAll(out + QStringLiteral("/hero.snd")), readAll(dir.filePath(QStringLiteral("hero.snd"))));
+        // ...and the project now works on them.
+        QCOMPARE(p.definitions()->fileName(), out + QStringLiteral("/renamed.def"));
+        QCOMPARE(p.commands()->fileName(), out + QStringLiteral("/hero.cmd"));
+        QCOMPARE(p.state(1)->fileName(), out + QStringLiteral("/States/walk.st"));
+        QCOMPARE(p.sprites()->fileName, out + QStringLiteral("/hero.sff"));
+        QCOMPARE(p.sprites()->version, QSprites::Version200);
+        QVERIFY(!p.sprites()->isModified() && !p.commands()->isModified());
+        QVERIFY(p.filesReplacedBySaveAs(out + QStringLiteral("/renamed.def")).isEmpty());
+
+        // The new DEF opens as a whole project with the same content.
+        QProject again;
+        QVERIFY(again.fromFile(out + QStringLiteral("/renamed.def"), 39, false, false));
+        QVERIFY(!hasMessage(again, QMessages::Information, QStringLiteral("Not found: hero")));
+        QCOMPARE(again.statesCount(), 2);
+        QCOMPARE(again.state(1)->text(), p.state(1)->text());
+        QCOMPARE(again.commands()->text(), p.commands()->text());
+        QCOMPARE(again.sprites()->paletteCount(), p.sprites()->paletteCount());
+        QCOMPARE(TestSupport::ProjectState::of(*again.sprites()).images, before.images);
+    }
+
+    void failuresNameTheFileAndTheReason()
+    {
+        QTemporaryDir dir;
+        const QString def = makeCharacter(dir.path());
+        writeAll(dir.filePath(QStringLiteral("hero.sff")), QByteArray("not a sprite file, but long enough"));
+        QProject p;
+        QVERIFY(p.fromFile(def, 39, false, false));
+        QVERIFY(hasFailure(p, QStringLiteral("hero.sff"), QStringLiteral("signature")));
+        QVERIFY(hasFailure(p, QStringLiteral("broken.act"), QStringLiteral("Not a palette")));
+        QVERIFY(hasMessage(p, QMessages::Error, QStringLiteral("hero.sff(1): The sprites can't be read: ")));
+
+        // A folder that can't be made (its parent is a file): nothing changes in the project.
+        const QString blocked = dir.filePath(QStringLiteral("hero.cmd/sub"));
+        const TestSupport::ProjectState before = TestSupport::ProjectState::of(p);
+        QVERIFY(!p.toTemporary(blocked, QStringLiteral("bf3_hero")));
+        QVERIFY(hasFailure(p, blocked, QStringLiteral("can't be made")));
+        QVERIFY(!p.saveAs(blocked + QStringLiteral("/hero.def"), false));
+        QVERIFY(hasFailure(p, blocked, QStringLiteral("can't be made")));
+        BF_VERIFY_UNCHANGED(before, p, false, "failed copies");
+
+        // One piece that can't be written fails the save by name; the others are written.
+        makeSprites(dir.filePath(QStringLiteral("hero.sff")));
+        QProject q;
+        QVERIFY(q.fromFile(def, 39, false, false));
+        QVERIFY(q.sprites()->changeImage(0, pattern(20, 2), 2, false, 9, 1));
+        const QString out = dir.filePath(QStringLiteral("out"));
+        QVERIFY(QDir().mkpath(out + QStringLiteral("/hero.sff")));
+        const TestSupport::ProjectState edited = TestSupport::ProjectState::of(q);
+        QVERIFY(!q.saveAs(out + QStringLiteral("/hero.def"), false));
+        QCOMPARE(q.failures().size(), 1);
+        QVERIFY(hasFailure(q, QStringLiteral("hero.sff: The sprites can't be saved: "), QStringLiteral("directory")));
+        QVERIFY(QFileInfo::exists(out + QStringLiteral("/hero.cns")));
+        BF_VERIFY_UNCHANGED(edited, q, true, "a Save As that failed in part");
+        QVERIFY(q.sprites()->isModified());
+        QCOMPARE(q.sprites()->fileName, dir.filePath(QStringLiteral("hero.sff")));
+
+        // A backup of a project whose folder is gone says so.
+        q.definitions()->setFileName(dir.filePath(QStringLiteral("gone/hero.def")));
+        QVERIFY(!q.backup());
+        QVERIFY(hasFailure(q, QStringLiteral("hero.def"), QStringLiteral("no longer exists")));
+    }
+
+    void savesLeaveTheModelAsItWas()
+    {
+        QTemporaryDir dir;
+        const QString def = makeCharacter(dir.path());
+        const QString sff = dir.filePath(QStringLiteral("hero.sff"));
+        makeSprites(sff);
+        QProject p;
+        QVERIFY(p.fromFile(def, 39, false, false));
+        QVERIFY(p.sprites()->changeImage(1, pattern(40, 5), 2, false, 9, 1));
+        p.commands()->document()->setPlainText(QStringLiteral("[Command]\nname = \"unsaved\""));
+        const QByteArray sffBefore = readAll(sff);
+        const TestSupport::ProjectState edited = TestSupport::ProjectState::of(p);
+
+        // Failed saves, a test copy and a backup change nothing at all, so a
+        // Save afterwards still writes every edit.
+        QVERIFY(!p.saveAs(dir.filePath(QStringLiteral("hero.cmd/x/hero.def")), false));
+        BF_VERIFY_UNCHANGED(edited, p, false, "a failed Save As");
+        QTemporaryDir run;
+        QVERIFY(p.toTemporary(run.filePath(QStringLiteral("bf3_hero")), QStringLiteral("bf3_hero")));
+        BF_VERIFY_UNCHANGED(edited, p, false, "a test copy");
+        QVERIFY(p.backup());
+        BF_VERIFY_UNCHANGED(edited, p, false, "a backup");
+        QVERIFY(p.toFile());
+        BF_VERIFY_UNCHANGED(edited, p, true, "a save");
+        QVERIFY(readAll(sff) != sffBefore);
+        QVERIFY(!p.sprites()->isModified() && !p.commands()->isModified());
+        QSprites reread;
+        QVERIFY(reread.fromFile(sff, true, false));
+        QCOMPARE(TestSupport::ProjectState::of(reread).images, edited.images);
+        QVERIFY(readAll(dir.filePath(QStringLiteral("hero.cmd"))).contains("unsaved"));
+        QVERIFY(p.saveAs(dir.filePath(QStringLiteral("as/hero.def")), true));
+        BF_VERIFY_UNCHANGED(edited, p, true, "a Save As");
+    }
+
+    void normalSavesSearchForMatches()
+    {
+        // Two projects with the same edit: the saved file is packed harder than the test copy.
+        QTemporaryDir dir;
+        const QString def = makeCharacter(dir.path());
+        makeSprites(dir.filePath(QStringLiteral("hero.sff")));
+        QProject saved, copied;
+        for (QProject *p : {&saved, &copied}) {
+            QVERIFY(p->fromFile(def, 39, false, false));
+            QVERIFY(p->sprites()->changeImage(0, pattern(128, 7), 2, false, 9, 1));
+        }
+        QVERIFY(copied.toTemporary(dir.filePath(QStringLiteral("run")), QStringLiteral("bf3_hero")));
+        QVERIFY(saved.toFile());
+        const qint64 quick = QFileInfo(dir.filePath(QStringLiteral("run/hero.sff"))).size();
+        const qint64 packed = QFileInfo(dir.filePath(QStringLiteral("hero.sff"))).size();
+        QVERIFY2(packed * 5 < quick * 4, qPrintable(QStringLiteral("%1 against %2 bytes").arg(packed).arg(quick)));
     }
 
     void fontSavesOnlyDefAndSprites()
@@ -442,7 +609,8 @@ private slots:
         QVERIFY(p.backup());
         const QString bak = p.lastBackupFolder();
         QVERIFY(bak.contains(QStringLiteral("/backup/")));
-        QVERIFY(QFileInfo::exists(bak + QStringLiteral("/hero.def")));
+        for (const char *name : {"hero.def", "hero.cns", "States/walk.st", "hero.air", "hero.snd", "hero1.act", "pals/hero4.act"})
+            QVERIFY2(QFileInfo::exists(bak + QLatin1String(name)), name);
         QVERIFY(readAll(bak + QStringLiteral("/hero.cmd")).contains("unsaved"));
         QVERIFY(p.commands()->isModified());
 

@@ -3,7 +3,6 @@
 #include "core/qproject.h"
 #include "testsupport.h"
 
-#include <QTemporaryDir>
 
 Q_DECLARE_METATYPE(QProjectType)
 
@@ -103,38 +102,6 @@ private slots:
         // The engine's common states are not beside the character: information only.
         QVERIFY(hasInfo(p, QStringLiteral("common1.cns")));
         QCOMPARE(p.messages()->issueCount(), 0);
-    }
-
-    void temporaryCopyLoadsAgain()
-    {
-        BF_REQUIRE_SAMPLE();
-        QProject p;
-        QVERIFY(p.fromFile(TestSupport::samplePath(QStringLiteral("chars/kfm/kfm.def")), 0, false, false));
-        QTemporaryDir dir;
-        const QString folder = dir.filePath(QStringLiteral("bf3_kfm"));
-        QVERIFY(p.toTemporary(folder, QStringLiteral("bf3_kfm")));
-        QVERIFY(!p.sprites()->isModified());
-        QCOMPARE(p.definitions()->fileName(), TestSupport::samplePath(QStringLiteral("chars/kfm/kfm.def")));
-
-        QProject copy;
-        QVERIFY(copy.fromFile(folder + QStringLiteral("/bf3_kfm.def"), 0, false, false));
-        QCOMPARE(copy.type(), p.type());
-        QCOMPARE(copy.version(), p.version());
-        QCOMPARE(copy.localWidth(), p.localWidth());
-        QCOMPARE(copy.localHeight(), p.localHeight());
-        QCOMPARE(copy.name(), p.name());
-        QCOMPARE(copy.definitions()->text(), p.definitions()->text());
-        QCOMPARE(copy.commands()->text(), p.commands()->text());
-        QCOMPARE(copy.statesCount(), p.statesCount());
-        for (int i = 0; i < p.statesCount(); ++i)
-            QCOMPARE(copy.state(i)->text(), p.state(i)->text());
-        QCOMPARE(copy.sprites()->count(), p.sprites()->count());
-        QCOMPARE(copy.sprites()->paletteCount(), p.sprites()->paletteCount());
-        for (int i = 0; i < p.sprites()->count(); i += 7)
-            QCOMPARE(copy.sprites()->image(i), p.sprites()->image(i));
-        // Pieces the stores don't hold yet are copied as they are.
-        QVERIFY(QFileInfo(folder + QStringLiteral("/kfm.air")).size() > 0);
-        QVERIFY(QFileInfo(folder + QStringLiteral("/kfm.snd")).size() > 0);
     }
 };
 

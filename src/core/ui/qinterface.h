@@ -256,6 +256,13 @@ private:
     bool closeProject(int index);
     void updateProjectStatus();
     void askPaletteSaves(QProject *project, const QString &title, bool oneByOne);
+    // Runs a load, save or copy of `project` under a progress window that
+    // hears the project and its sprite store and can cancel both; the store's
+    // own error boxes wait, as the project reports its failures as a whole.
+    bool runProjectWork(QProject *project, const QString &caption, const std::function<bool()> &work);
+    // Tells the user, and the log, which files failed and why; nothing if none did.
+    void reportFailures(const QString &title, const QString &intro, const QStringList &failures);
+    void spriteOrderWarning(QProject *project, const QList<uint> &sprites);
     void registerDialog(const QString &tag, QWidget *dialog);
 
     QList<QLabel *> m_statusFields;
@@ -271,5 +278,6 @@ private:
     QMap<QString, QPointer<QWidget>> m_dialogs;
     QMap<QString, JumpHandler> m_jumpHandlers;
     bool m_closingAll = false;
+    int m_projectWork = 0; // project loads and saves under way
     // ---- end of controller ---------------------------------------------------
 };

@@ -2,6 +2,7 @@
 #include "core/ui/qinterface.h"
 
 #include "core/qappobjects.h"
+#include "core/qlog.h"
 #include "core/qmugenmodel.h"
 #include "core/qproject.h"
 #include "core/ui/errordlg.h"
@@ -58,17 +59,18 @@ void QInterface::openProject(const QString &fileName)
     if (fileName.isEmpty())
         return;
     QProject *project = createProject();
-    bool loaded;
-    {
-        QProgress progress(tr("Loading project..."), m_window);
-        progress.attach(project);
-        loaded = project->fromFile(fileName, configString("default_codepage").toUInt(),
-                                   configBool("backup_onload", false), false);
-    }
+    const bool loaded = runProjectWork(project, tr("Loading project..."), [&] {
+        return project->fromFile(fileName, configString("default_codepage").toUInt(),
+                                 configBool("backup_onload", false), false);
+    });
+    QLog::noteMessages(tr("Open project - %1").arg(fileName), *project->messages());
     if (!loaded) {
+        reportFailures(tr("Open project"), tr("The project can't be opened."), project->failures());
         delete project;
         return;
     }
+    reportFailures(tr("Open project"), tr("Some files of the project could not be read or backed up:"),
+                   project->failures());
     addProjectTab(project);
     if (m_history)
         m_history->add(QFileInfo(fileName).absoluteFilePath());
@@ -107,17 +109,17 @@ void QInterface::fileSave()
     QProject *project = m_currentProject;
     if (!project)
         return;
-    bool saved;
-    {
-        QProgress progress(tr("Saving project..."), m_window);
-        progress.attach(project);
-        saved = project->toFile();
-    }
-    if (!saved) {
+    // A project never saved has no name yet: that is Save As.
+    const QString def = project->definitions()->fileName();
+    if (def.isEmpty()) {
         fileSaveAs();
         return;
     }
-    askPaletteSaves(project, tr("Save as..."), false);
+    const bool saved = runProjectWork(project, tr("Saving project..."), [project] { return project->toFile(); });
+    QLog::note((saved ? tr("Saved project - %1") : tr("Project not saved completely - %1")).arg(def));
+    reportFailures(tr("Save project"), tr("The project could not be saved completely:"), project->failures());
+    if (saved)
+        askPaletteSaves(project, tr("Save as..."), false);
     updateEditorName();
 }
 
@@ -129,17 +131,29 @@ void QInterface::fileSaveAs()
     const QString name = saveFileName(QProjectFile::Definitions, project->path(QStringLiteral("proj_path")));
     if (name.isEmpty())
         return;
+    // The other files go beside the DEF under the names it gives them: say
+    // which files of someone else's they would replace.
+    const QStringList replaced = project->filesReplacedBySaveAs(name);
+    if (!replaced.isEmpty()) {
+        QStringList shown = replaced.mid(0, 12);
+        if (replaced.size() > shown.size())
+            shown << tr("... and %n more", nullptr, int(replaced.size() - shown.size()));
+        if (!QAskUser::question(m_window, tr("Save project"),
+                                tr("These files already exist and will be replaced:\n\n%1\n\nDo you want to go on?")
+                                    .arg(shown.join(QLatin1Char('\n')))))
+            return;
+    }
     const bool utf8 = QAskUser::question(
         m_window, tr("Save as UTF-8"),
         tr("You want to save the file as UTF-8? This ensures that all characters are saved in the same form in "
            "which they are viewed in the program. Otherwise, the source encoding detected when the file was "
            "opened will be used."));
-    {
-        QProgress progress(tr("Saving project..."), m_window);
-        progress.attach(project);
-        project->saveAs(name, utf8);
-    }
-    askPaletteSaves(project, tr("Palettes"), true);
+    const bool saved =
+        runProjectWork(project, tr("Saving project..."), [&] { return project->saveAs(name, utf8); });
+    QLog::note((saved ? tr("Saved project as %1") : tr("Project not saved completely as %1")).arg(name));
+    reportFailures(tr("Save project"), tr("The project could not be saved completely:"), project->failures());
+    if (saved)
+        askPaletteSaves(project, tr("Palettes"), true);
     updateEditorName();
 }
 
@@ -154,6 +168,14 @@ void QInterface::askPaletteSaves(QProject *project, const QString &title, bool o
                                "1,x = palx in DEF)?\nChoose No to ignore palettes.")))
         return;
 
+    QStringList failures;
+    auto write = [&](int index, const QString &file) {
+        const QRGBPal *colors = sprites->paletteColors(index);
+        QString error;
+        QDir().mkpath(QFileInfo(file).absolutePath());
+        if (colors && !QPaletteFile::saveAct(file, *colors, &error))
+            failures << QStringLiteral("%1: %2").arg(QDir::toNativeSeparators(file), error);
+    };
     if (oneByOne) {
         // A new name for each palette of group 1.
         for (int i = 0; i < sprites->paletteCount(); ++i) {
@@ -164,29 +186,33 @@ void QInterface::askPaletteSaves(QProject *project, const QString &title, bool o
                                                         project->path(QStringLiteral("proj_path")),
                                                         tr("Adobe Color Table (*.act)"));
             if (!file.isEmpty())
-                sprites->savePaletteFile(i, file);
+                write(i, file);
         }
-        return;
+    } else {
+        // The names the DEF gives: pal1 is palette 1,1 and so on.
+        const QProjectDefFiles files = project->scanDef(project->definitions()->fileName());
+        for (int i = 0; i < files.palettes.size(); ++i) {
+            const int index = sprites->findPalette(0, 1, i + 1);
+            if (index >= 0)
+                write(index, QProject::resolveFile(files.folder, files.palettes.at(i)));
+        }
     }
-
-    // The names the DEF gives: pal1 is palette 1,1 and so on.
-    const QProjectDefFiles files = project->scanDef(project->definitions()->fileName());
-    for (int i = 0; i < files.palettes.size(); ++i) {
-        const QString file = QProject::resolveFile(files.folder, files.palettes.at(i));
-        QDir().mkpath(QFileInfo(file).absolutePath());
-        const int index = sprites->findPalette(0, 1, i + 1);
-        if (index >= 0)
-            sprites->savePaletteFile(index, file);
-    }
+    reportFailures(title, tr("Some palettes could not be saved:"), failures);
 }
 
 void QInterface::fileBackup()
 {
-    if (!m_currentProject)
+    QProject *project = m_currentProject;
+    if (!project)
         return;
-    QProgress progress(tr("Creating backup..."), m_window);
-    progress.attach(m_currentProject);
-    m_currentProject->backup();
+    if (project->definitions()->fileName().isEmpty()) {
+        QAskUser::message(m_window, QMessageBox::Information, tr("Backup"),
+                          tr("Save the project first: its backups are kept beside its DEF file."));
+        return;
+    }
+    const bool done = runProjectWork(project, tr("Creating backup..."), [project] { return project->backup(); });
+    QLog::note((done ? tr("Backup - %1") : tr("Backup not complete - %1")).arg(project->lastBackupFolder()));
+    reportFailures(tr("Backup"), tr("The backup is not complete:"), project->failures());
 }
 
 void QInterface::fileLoadBackup()
@@ -218,13 +244,60 @@ void QInterface::fileLoadBackup()
         return;
     const QString path = info.canonicalPath() + QStringLiteral("/backup/") + dlg.textValue() + QLatin1Char('/')
                          + info.fileName();
-    {
-        QProgress progress(tr("Loading backup..."), m_window);
-        progress.attach(project);
-        project->fromFile(path, configString("default_codepage").toUInt(), false, true);
-    }
+    const bool loaded = runProjectWork(project, tr("Loading backup..."), [&] {
+        return project->fromFile(path, configString("default_codepage").toUInt(), false, true);
+    });
+    QLog::noteMessages(tr("Load backup - %1").arg(path), *project->messages());
+    reportFailures(tr("Load backup"),
+                   loaded ? tr("Some files of the backup could not be read:") : tr("The backup can't be loaded."),
+                   project->failures());
     setCurrentProject(project);
     projTypeChanged(project);
+}
+
+bool QInterface::runProjectWork(QProject *project, const QString &caption, const std::function<bool()> &work)
+{
+    QProgress progress(caption, m_window);
+    progress.attach(project);
+    progress.attach(project->sprites());
+    ++m_projectWork;
+    const bool done = work();
+    --m_projectWork;
+    return done;
+}
+
+void QInterface::reportFailures(const QString &title, const QString &intro, const QStringList &failures)
+{
+    if (failures.isEmpty())
+        return;
+    for (const QString &line : failures)
+        QLog::note(QStringLiteral("%1: %2").arg(title, line));
+    // A box stays readable: the first files, then how many more.
+    constexpr int Shown = 12;
+    QStringList lines;
+    for (const QString &line : failures.mid(0, Shown))
+        lines << QStringLiteral("\u2022 ") + line;
+    if (failures.size() > Shown)
+        lines << tr("... and %n more", nullptr, int(failures.size() - Shown));
+    QAskUser::warning(m_window, title, intro + QStringLiteral("\n\n") + lines.join(QLatin1Char('\n')));
+}
+
+void QInterface::spriteOrderWarning(QProject *project, const QList<uint> &sprites)
+{
+    constexpr int Shown = 40;
+    QStringList names;
+    for (uint index : sprites) {
+        if (names.size() == Shown) {
+            names << tr("... and %n more", nullptr, int(sprites.size() - Shown));
+            break;
+        }
+        if (const QSpriteItem *item = project->sprites()->item(int(index)))
+            names << QStringLiteral("%1, %2").arg(item->info.group).arg(item->info.number);
+    }
+    QAskUser::warning(m_window, tr("Wrong sprite order"),
+                      tr("Some sprites must be moved to another location to receive the character palette.\n"
+                         "Affected sprites:")
+                          + QLatin1Char(' ') + names.join(QStringLiteral("; ")));
 }
 
 void QInterface::fileRunMugen()

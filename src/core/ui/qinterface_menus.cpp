@@ -3,6 +3,8 @@
 
 #include "core/qaction2.h"
 #include "core/qappobjects.h"
+#include "core/qbugreport.h"
+#include "core/qlog.h"
 #include "core/qmugenmodel.h"
 #include "core/qproject.h"
 #include "core/ui/bugdlg.h"
@@ -300,12 +302,31 @@ void QInterface::helpAbout()
 void QInterface::helpReportBug()
 {
     BugDlg dlg(m_window);
-    QAskUser::exec(&dlg);
+    if (QAskUser::exec(&dlg) != QDialog::Accepted)
+        return;
+    const QString folder = m_currentProject ? m_currentProject->path(QStringLiteral("proj_path")) : QString();
+    const QString target = QAskUser::saveFileName(m_window, tr("Report a bug..."), folder, QBugReport::fileFilter());
+    if (target.isEmpty())
+        return;
+    const QLog *log = QLog::current();
+    QString error;
+    // No store carries a section of its own yet: the package holds the log and the description.
+    if (QBugReport::make(target, log ? log->path() : QLog::defaultPath(), dlg.description(), dlg.flags(), nullptr,
+                         &error))
+        QLog::note(tr("Bug report written - %1").arg(target));
+    else
+        QAskUser::warning(m_window, tr("Report a bug"), error);
 }
 
 void QInterface::restoreBugReport()
 {
-    helpReportBug();
+    const QString package = QAskUser::openFileName(m_window, tr("Restore Bug Report"), QString(),
+                                                   QBugReport::fileFilter());
+    if (package.isEmpty())
+        return;
+    QString error;
+    if (!QBugReport::restore(package, QCoreApplication::applicationDirPath(), nullptr, &error))
+        QAskUser::warning(m_window, tr("Restore Bug Report"), error);
 }
 
 void QInterface::actionChanged(const QModelIndex &index)

@@ -88,6 +88,14 @@ void QInterface::connectProject(QProject *project)
     connect(project, &QProject::typeChanged, this, &QInterface::projTypeChanged);
     connect(project, &QProject::versionChanged, this, &QInterface::projVerChanged);
     connect(project->sprites(), &QSprites::charPalette, this, &QInterface::charPalette, Qt::DirectConnection);
+    // A sprite file read or written on its own (not as part of the project)
+    // says what went wrong at once.
+    connect(project->sprites(), &QSprites::fileError, this, [this](const QString &title, const QString &text) {
+        if (m_projectWork == 0)
+            QAskUser::critical(m_window, title, text);
+    });
+    connect(project->sprites(), &QSprites::orderMustBeChanged, this,
+            [this, project](const QList<uint> &sprites) { spriteOrderWarning(project, sprites); });
 }
 
 void QInterface::addProjectTab(QProject *project)
