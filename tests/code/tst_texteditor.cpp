@@ -264,7 +264,8 @@ private slots:
 
         // An issue explains itself under the pointer.
         processor.setIssue(5, {BlockIssue::Error, 7, 12, QStringLiteral("Unknown 'State' type")});
-        QHelpEvent tip(QEvent::ToolTip, lineCenter(editor, 5, 9), editor.viewport()->mapToGlobal(lineCenter(editor, 5, 9)));
+        const QPoint onIssue = lineCenter(editor, 5, 9);
+        QHelpEvent tip(QEvent::ToolTip, onIssue, editor.viewport()->mapToGlobal(onIssue));
         QCoreApplication::sendEvent(editor.viewport(), &tip);
         QTRY_VERIFY(QToolTip::isVisible());
         QCOMPARE(QToolTip::text(), QStringLiteral("Unknown 'State' type"));
