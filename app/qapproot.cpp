@@ -6,6 +6,7 @@
 #include "base/qlog.h"
 #include "base/qmugenmodel.h"
 #include "code/qsctrlmanager.h"
+#include "code/qsyntaxproperties.h"
 #include "code/syntaxformats.h"
 #include "code/ui/codeeditors.h"
 #include "docs/ui/docseditors.h"
@@ -41,6 +42,12 @@ QAppRoot::QAppRoot(const QAppPaths &paths)
     QCoreApplication::addLibraryPath(QCoreApplication::applicationDirPath());
     QLifecycleLog::record(QStringLiteral("+MainWindow"));
 
+    // The engine's language and the Lua names, read once for every document.
+    m_objects.mugenSyntax = new QMugenSyntaxProperties;
+    m_objects.mugenSyntax->load(m_paths.dataPath(QStringLiteral("syntax_mugen.xml")));
+    m_objects.luaSyntax = new QLuaSyntaxProperties;
+    m_objects.luaSyntax->load(m_paths.dataPath(QStringLiteral("syntax_lua.xml")));
+    QLifecycleLog::record(QStringLiteral("+syntax definitions"));
     QBFCacheFilter::createFilters();
     m_objects.spriteRecords = new QSpriteRecordPool;
     m_objects.undoCache = new QSpriteCache(QStringLiteral("sprUndo"), QSpriteCache::TemporaryFile, true, -1,
@@ -105,6 +112,9 @@ QAppRoot::~QAppRoot()
     m_objects.log->append(QStringLiteral("Brawlforge stopped"));
     delete m_objects.log;
     delete m_objects.spriteRecords;
+    delete m_objects.luaSyntax;
+    delete m_objects.mugenSyntax;
+    QLifecycleLog::record(QStringLiteral("-syntax definitions"));
     QBFCacheFilter::destroyFilters();
     m_objects = QAppObjects();
     QLifecycleLog::record(QStringLiteral("-cache filters"));

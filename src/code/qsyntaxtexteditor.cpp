@@ -26,6 +26,14 @@ QSyntaxTextEditor::~QSyntaxTextEditor()
     m_updateTimer.stop();
 }
 
+void QSyntaxTextEditor::setEncoding(const QByteArray &encoding)
+{
+    if (encoding == m_encoding)
+        return;
+    m_encoding = encoding;
+    emit encodingChanged(m_encoding);
+}
+
 bool QSyntaxTextEditor::isModified() const
 {
     return m_document->isModified();
@@ -118,9 +126,17 @@ bool QSyntaxTextEditor::loadFile(const QString &path, int defaultIndex, bool kee
         setSyntax(detectLanguage(text));
     m_document->setPlainText(text);
     m_document->setModified(false);
-    if (!keepName)
+    if (!keepName) {
         m_fileName = path;
-    m_encoding = codec ? codec->name() : QByteArray("UTF-8");
+        m_fileBytes = bytes;
+        m_fileText = text;
+        m_fileEncoding = codec ? codec->name() : QByteArray("UTF-8");
+    } else {
+        m_fileBytes.clear();
+        m_fileText.clear();
+        m_fileEncoding.clear();
+    }
+    setEncoding(codec ? codec->name() : QByteArray("UTF-8"));
     m_errorString.clear();
     updateHierarchy();
     return true;
@@ -129,25 +145,36 @@ bool QSyntaxTextEditor::loadFile(const QString &path, int defaultIndex, bool kee
 bool QSyntaxTextEditor::saveFile(const QString &path, bool asUtf8, bool asCopy)
 {
     const QByteArray encoding = asUtf8 ? QByteArray("UTF-8") : m_encoding;
-    QTextCodec *codec = QTextCodec::codecForName(encoding);
-    QString out = text();
-    out.replace(QLatin1Char('\n'), QLatin1String("\r\n"));
+    const QString plain = text();
+    QByteArray bytes;
+    int lossyLine = -1;
+    if (!m_fileEncoding.isEmpty() && encoding == m_fileEncoding && plain == m_fileText) {
+        bytes = m_fileBytes;
+    } else {
+        QTextCodec *codec = QTextCodec::codecForName(encoding);
+        QString out = plain;
+        out.replace(QLatin1Char('\n'), QLatin1String("\r\n"));
+        bytes = QTextEncoding::encode(out, codec, &lossyLine);
+    }
 
     QSaveFile file(path);
     if (!file.open(QIODevice::WriteOnly)) {
         m_errorString = file.errorString();
         return false;
     }
-    const QByteArray bytes = QTextEncoding::encode(out, codec);
     if (file.write(bytes) != bytes.size() || !file.commit()) {
         m_errorString = file.errorString();
         file.cancelWriting();
         return false;
     }
-    m_encoding = encoding;
+    m_firstLossyLine = lossyLine;
     if (!asCopy) {
+        setEncoding(encoding);
         m_document->setModified(false);
         m_fileName = path;
+        m_fileBytes = bytes;
+        m_fileText = plain;
+        m_fileEncoding = encoding;
     }
     m_errorString.clear();
     return true;
@@ -157,8 +184,13 @@ void QSyntaxTextEditor::clear()
 {
     m_document->clear();
     m_document->setModified(false);
-    m_encoding = "UTF-8";
+    setEncoding("UTF-8");
     m_fileName.clear();
+    m_fileBytes.clear();
+    m_fileText.clear();
+    m_fileEncoding.clear();
+    m_firstBadLine = -1;
+    m_firstLossyLine = -1;
     updateHierarchy();
 }
 

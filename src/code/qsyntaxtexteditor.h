@@ -26,7 +26,7 @@ public:
     QString fileName() const { return m_fileName; }
     void setFileName(const QString &fileName) { m_fileName = fileName; }
     QByteArray encoding() const { return m_encoding; }
-    void setEncoding(const QByteArray &encoding) { m_encoding = encoding; }
+    void setEncoding(const QByteArray &encoding);
 
     bool isModified() const;
     void setModified(bool modified);
@@ -57,18 +57,24 @@ public:
     // Writes the text with CR LF line ends and a byte-order mark where the
     // encoding has one, through a temporary file renamed into place, so a
     // failed save leaves the previous file whole. asCopy keeps name and
-    // modified flag.
+    // modified flag. A text that is still the one read, in the encoding it
+    // was read with, is written back as the very bytes that were read: line
+    // ends, marks and bytes the encoding could not map stay as they were.
     bool saveFile(const QString &path, bool asUtf8, bool asCopy);
     // Reason of the last failed load or save.
     QString errorString() const { return m_errorString; }
     // Line (0-based) of the first byte that the encoding of the last load
     // could not map, -1 when every byte was read.
     int firstBadLine() const { return m_firstBadLine; }
+    // Line (0-based) of the first character that the encoding of the last
+    // save could not represent (written as a substitute), -1 when none.
+    int firstLossyLine() const { return m_firstLossyLine; }
 
     void clear();
 
 signals:
     void hierarchyUpdated();
+    void encodingChanged(const QByteArray &encoding);
 
 public slots:
     void updateHierarchy();
@@ -86,4 +92,10 @@ private:
     quint32 m_engineVersion = 0x01010000;
     QString m_errorString;
     int m_firstBadLine = -1;
+    int m_firstLossyLine = -1;
+    // What the file held when it was read or last saved, to write an
+    // untouched text back byte for byte.
+    QByteArray m_fileBytes;
+    QString m_fileText;
+    QByteArray m_fileEncoding;
 };

@@ -38,7 +38,12 @@ QTextCodec *QTextEncoding::codecForIndex(int index)
 {
     if (index <= 0 || index >= CodepageCount)
         return QTextCodec::codecForLocale();
-    return QTextCodec::codecForName(codepages[index]);
+    if (QTextCodec *codec = QTextCodec::codecForName(codepages[index]))
+        return codec;
+    // Names some codec back ends know only by another name.
+    if (qstrcmp(codepages[index], "JIS7") == 0)
+        return QTextCodec::codecForName("ISO-2022-JP");
+    return nullptr;
 }
 
 QByteArray QTextEncoding::detectCharset(const QByteArray &bytes)
@@ -110,7 +115,7 @@ bool QTextEncoding::hasByteOrderMark(const QTextCodec *codec)
     }
 }
 
-QByteArray QTextEncoding::encode(const QString &text, QTextCodec *codec)
+QByteArray QTextEncoding::encode(const QString &text, QTextCodec *codec, int *firstLossyLine)
 {
     if (!codec)
         codec = QTextCodec::codecForName("UTF-8");
@@ -120,5 +125,18 @@ QByteArray QTextEncoding::encode(const QString &text, QTextCodec *codec)
     QString out = text;
     if (hasByteOrderMark(codec))
         out.prepend(QChar(QChar::ByteOrderMark));
-    return codec->fromUnicode(out.constData(), int(out.size()), &state);
+    const QByteArray bytes = codec->fromUnicode(out.constData(), int(out.size()), &state);
+    if (firstLossyLine) {
+        *firstLossyLine = -1;
+        if (state.invalidChars > 0 || !codec->canEncode(text)) {
+            const QStringList lines = text.split(QLatin1Char('\n'));
+            for (int i = 0; i < lines.size(); ++i) {
+                if (!codec->canEncode(lines.at(i))) {
+                    *firstLossyLine = i;
+                    break;
+                }
+            }
+        }
+    }
+    return bytes;
 }

@@ -35,8 +35,10 @@ public:
     static QString decode(const QByteArray &bytes, QTextCodec *codec, int *firstBadLine = nullptr);
 
     // Encodes with the codec (UTF-8 when null), with a byte-order mark when the
-    // codec is one of the Unicode forms.
-    static QByteArray encode(const QString &text, QTextCodec *codec);
+    // codec is one of the Unicode forms. firstLossyLine, when given, receives
+    // the 0-based line of the first character the codec cannot represent
+    // (written as its substitute), or -1.
+    static QByteArray encode(const QString &text, QTextCodec *codec, int *firstLossyLine = nullptr);
 
     // True for the Unicode codecs, which have a byte-order mark.
     static bool hasByteOrderMark(const QTextCodec *codec);

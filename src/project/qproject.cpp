@@ -553,8 +553,13 @@ void QProject::copyToBackup(const QString &source, const QString &name)
 
 bool QProject::saveText(QSyntaxTextEditor &doc, const QString &path, bool asUtf8, bool asCopy)
 {
-    if (doc.saveFile(path, asUtf8, asCopy))
+    if (doc.saveFile(path, asUtf8, asCopy)) {
+        if (doc.firstLossyLine() >= 0)
+            m_messages.addWarning(tr("%1: Some characters can't be written as %2 and were replaced; save as UTF-8 "
+                                     "to keep them")
+                                      .arg(place(path, doc.firstLossyLine()), QString::fromLatin1(doc.encoding())));
         return true;
+    }
     fail(path, tr("Can't be saved: %1").arg(doc.errorString()));
     return false;
 }

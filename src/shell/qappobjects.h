@@ -6,6 +6,8 @@ class QFileWatcherManager;
 class QIconsetManager;
 class QLanguageManager;
 class QLog;
+class QLuaSyntaxProperties;
+class QMugenSyntaxProperties;
 class QMugenModel;
 class QPresetManager;
 class QSCtrlManager;
@@ -23,6 +25,9 @@ class SyntaxFormats;
 struct QAppObjects
 {
     const QAppPaths *paths = nullptr;
+    // The engine's language and the Lua names that every text document reads.
+    QMugenSyntaxProperties *mugenSyntax = nullptr;
+    QLuaSyntaxProperties *luaSyntax = nullptr;
     QIconsetManager *iconsets = nullptr;
     QStylesheetManager *stylesheets = nullptr;
     QColorsetManager *colorsets = nullptr;

@@ -62,7 +62,7 @@ private slots:
         QInterface *ui = root->controller();
         const QStringList created = QLifecycleLog::entries();
         const QStringList expectedCreation{
-            "+MainWindow",          "+cache filters",         "+QIconsetManager",       "+QStylesheetManager",
+            "+MainWindow",          "+syntax definitions",    "+cache filters",         "+QIconsetManager",       "+QStylesheetManager",
             "+QColorsetManager",    "+SyntaxFormats",         "+QMugenModel",
             "config.xml read",      "+QPresetManager",        "+QLanguageManager",
             "+QSCtrlManager",       "+QScriptManager",        "+QSnippetManager",
@@ -112,7 +112,7 @@ private slots:
             "config.xml written",   "-QFileWatcherManager", "-QSnippetManager", "-QScriptManager",
             "-QSCtrlManager",       "-QLanguageManager",   "-QPresetManager",
             "-QMugenModel",         "-SyntaxFormats",      "-QColorsetManager",
-            "-QStylesheetManager",  "-QIconsetManager",    "-cache filters",
+            "-QStylesheetManager",  "-QIconsetManager",    "-syntax definitions", "-cache filters",
             "-MainWindow"};
         QCOMPARE(QLifecycleLog::entries(), expectedDestruction);
         QVERIFY(!QBFCacheFilter::filter(QBFCacheFilter::LZ5));

@@ -5,7 +5,9 @@
 #include "code/qmugensyntaxhierarchy.h"
 #include "code/qsyntaxtexteditor.h"
 #include "code/qtextencoding.h"
+#include "testsupport.h"
 
+#include <QDirIterator>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTextCodec>
@@ -80,13 +82,20 @@ private slots:
         const QByteArray found = doc.encoding();
         QVERIFY(!found.isEmpty());
 
-        // Saved back in the encoding found, CR LF, no mark for a legacy code page.
-        QByteArray expected = legacy;
-        expected.replace("\n", "\r\n");
+        // Untouched, the very bytes come back, LF line ends included.
         const QString copy = dir.filePath(QStringLiteral("copy.cns"));
         QVERIFY(doc.saveFile(copy, false, true));
-        QCOMPARE(readAll(copy), expected);
+        QCOMPARE(readAll(copy), legacy);
         QCOMPARE(doc.fileName(), path); // a copy keeps the document's own file
+
+        // Edited, it goes out in the encoding found, CR LF, no mark for a
+        // legacy code page.
+        doc.document()->setPlainText(doc.text() + QStringLiteral("ctrl = 1\n"));
+        QByteArray expected = legacy + "ctrl = 1\n";
+        expected.replace("\n", "\r\n");
+        QVERIFY(doc.saveFile(copy, false, true));
+        QCOMPARE(readAll(copy), expected);
+        QCOMPARE(doc.firstLossyLine(), -1);
 
         doc.document()->setPlainText(doc.text() + QStringLiteral("\u65E5"));
         QVERIFY(doc.isModified());
@@ -114,6 +123,87 @@ private slots:
         QVERIFY(other.isEmpty());
         QCOMPARE(other.encoding(), QByteArray("UTF-8"));
         QCOMPARE(other.fileName(), QString());
+    }
+
+    void textsRoundTripInTheirCodePages()
+    {
+        BF_REQUIRE_SAMPLE();
+        QTemporaryDir dir;
+        const QString out = dir.filePath(QStringLiteral("out.txt"));
+
+        // Every text of the engine's sample: read cleanly, written back byte
+        // for byte when untouched, by a copy and by a real save alike.
+        int texts = 0;
+        QDirIterator it(TestSupport::sampleDir(), {"*.def", "*.cns", "*.st", "*.cmd", "*.air"}, QDir::Files,
+                        QDirIterator::Subdirectories);
+        while (it.hasNext()) {
+            const QString path = it.next();
+            const QByteArray bytes = readAll(path);
+            QSyntaxTextEditor doc;
+            QVERIFY2(doc.loadFile(path, 0), qPrintable(path));
+            QCOMPARE(doc.firstBadLine(), -1);
+            if (bytes.startsWith("\xEF\xBB\xBF"))
+                QCOMPARE(doc.encoding(), QByteArray("UTF-8"));
+            QVERIFY(doc.saveFile(out, false, true));
+            QVERIFY2(readAll(out) == bytes, qPrintable(path));
+            QVERIFY(doc.saveFile(out, false, false));
+            QVERIFY(doc.saveFile(out, false, false));
+            QVERIFY2(readAll(out) == bytes, qPrintable(path));
+            ++texts;
+        }
+        QVERIFY(texts >= 40);
+        qInfo("%d sample texts round-tripped", texts);
+
+        // Legacy code pages without a declaration, found by the detector
+        // whatever the fallback says.
+        const struct
+        {
+            const char *file;
+            const char *word;
+            QList<int> mibs;
+        } fixtures[] = {
+            {"cp1251.cns", "\u041F\u0435\u0440\u0441\u043E\u043D\u0430\u0436", {2251}},
+            {"shiftjis.def", "\u30AB\u30F3\u30D5\u30FC\u30DE\u30F3", {17, 2024}},
+            {"gbk.cmd", "\u6CE2\u52A8\u62F3", {113, 114, 2025}},
+        };
+        for (const auto &f : fixtures) {
+            const QString path = TestSupport::fixturesDir() + QStringLiteral("/encodings/") + QLatin1String(f.file);
+            const QByteArray bytes = readAll(path);
+            QSyntaxTextEditor doc;
+            QVERIFY(doc.loadFile(path, 1));
+            QTextCodec *codec = QTextCodec::codecForName(doc.encoding());
+            QVERIFY2(codec && f.mibs.contains(codec->mibEnum()), doc.encoding().constData());
+            QVERIFY2(doc.text().contains(QString::fromUtf8(f.word)), f.file);
+            QCOMPARE(doc.firstBadLine(), -1);
+            QVERIFY(doc.saveFile(out, false, true));
+            QVERIFY2(readAll(out) == bytes, f.file);
+
+            // An edit keeps the code page; what it cannot hold is reported.
+            const QString edited = doc.text() + QString::fromUtf8(f.word) + QStringLiteral("\n");
+            doc.setText(edited);
+            QVERIFY(doc.saveFile(out, false, true));
+            QCOMPARE(codec->toUnicode(readAll(out)), QString(edited).replace(QLatin1Char('\n'), QLatin1String("\r\n")));
+            QCOMPARE(doc.firstLossyLine(), -1);
+            const QString foreign = QStringLiteral("\u00E9\u20AC\u0E01");
+            if (!codec->canEncode(foreign)) {
+                doc.setText(edited + foreign + QStringLiteral("\n"));
+                QVERIFY(doc.saveFile(out, false, true));
+                QCOMPARE(doc.firstLossyLine(), int(edited.count(QLatin1Char('\n'))));
+            }
+        }
+
+        // Bytes the detected codec can't map stay in an untouched save.
+        const QByteArray damaged("\xEF\xBB\xBF[Info]\r\nname = \"bad \xFF\xFE byte\"\r\n");
+        const QString damagedPath = dir.filePath(QStringLiteral("damaged.def"));
+        QVERIFY(writeAll(damagedPath, damaged));
+        QSyntaxTextEditor doc;
+        QVERIFY(doc.loadFile(damagedPath, 0));
+        QCOMPARE(doc.firstBadLine(), 1);
+        QVERIFY(doc.saveFile(damagedPath, false, false));
+        QCOMPARE(readAll(damagedPath), damaged);
+
+        // A fallback name this system knows by another name still gives a codec.
+        QVERIFY(QTextEncoding::codecForIndex(15));
     }
 
     void failedSaveKeepsPreviousFile()

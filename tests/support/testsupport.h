@@ -33,6 +33,9 @@ int imageDifference(const QImage &a, const QImage &b);
 // the picture is written instead. On a mismatch, `why` says how, and the
 // image drawn is left beside the test for a look.
 bool matchesFixture(const QImage &image, const QString &name, int tolerance = 0, QString *why = nullptr);
+// Folder of the engine's documentation beside the sample content, or an
+// empty string when it is absent.
+QString engineDocsDir();
 
 } // namespace TestSupport
 
