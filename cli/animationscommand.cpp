@@ -23,18 +23,8 @@ namespace AnimationsCommand {
 
 ExitCode run(const QStringList &words)
 {
-    const QString sub = words.value(0);
-    if (sub == QLatin1String("info"))
-        return info(words.mid(1));
-    if (sub == QLatin1String("convert"))
-        return convert(words.mid(1));
-    if (sub.isEmpty() || sub.startsWith(QLatin1Char('-'))) {
-        CommandStart start = startCommand(words, Usage::Topic::Animations, {}, {});
-        if (start.finished)
-            return *start.finished;
-        return usageError(Usage::Topic::Animations, QStringLiteral("missing command: info or convert"));
-    }
-    return usageError(Usage::Topic::Animations, QStringLiteral("unknown command 'animations %1'").arg(sub));
+    return runSubcommand(words, Usage::Topic::Animations, QStringLiteral("animations"),
+                         {{"info", info}, {"convert", convert}});
 }
 
 namespace {

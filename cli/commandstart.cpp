@@ -36,3 +36,24 @@ CommandStart startCommand(const QStringList &words, Usage::Topic topic,
     }
     return start;
 }
+
+ExitCode runSubcommand(const QStringList &words, Usage::Topic topic, const QString &command,
+                       const QList<Subcommand> &subcommands)
+{
+    const QString sub = words.value(0);
+    QStringList names;
+    for (const Subcommand &s : subcommands) {
+        if (sub == QLatin1String(s.name))
+            return s.run(words.mid(1));
+        names << QLatin1String(s.name);
+    }
+    if (sub.isEmpty() || sub.startsWith(QLatin1Char('-'))) {
+        CommandStart start = startCommand(words, topic, {}, {});
+        if (start.finished)
+            return *start.finished;
+        const QString last = names.takeLast();
+        const QString list = names.isEmpty() ? last : names.join(QStringLiteral(", ")) + QStringLiteral(" or ") + last;
+        return usageError(topic, QStringLiteral("missing command: %1").arg(list));
+    }
+    return usageError(topic, QStringLiteral("unknown command '%1 %2'").arg(command, sub));
+}

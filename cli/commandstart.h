@@ -20,3 +20,14 @@ CommandStart startCommand(const QStringList &words, Usage::Topic topic,
 
 // The one line of a usage error, with the hint where help is, and the exit code.
 ExitCode usageError(Usage::Topic topic, const QString &text);
+
+// A command made of subcommands ("sprites export", "animations info"...): the
+// first word picks one, which runs on the words after it; no word, or an
+// option first, is answered as the command's own help, version or usage error.
+struct Subcommand
+{
+    const char *name;
+    ExitCode (*run)(const QStringList &words);
+};
+ExitCode runSubcommand(const QStringList &words, Usage::Topic topic, const QString &command,
+                       const QList<Subcommand> &subcommands);

@@ -20,16 +20,8 @@ namespace ProjectCommand {
 
 ExitCode run(const QStringList &words)
 {
-    const QString sub = words.value(0);
-    if (sub == QLatin1String("info"))
-        return info(words.mid(1));
-    if (sub.isEmpty() || sub.startsWith(QLatin1Char('-'))) {
-        CommandStart start = startCommand(words, Usage::Topic::Project, {}, {});
-        if (start.finished)
-            return *start.finished;
-        return usageError(Usage::Topic::Project, QStringLiteral("missing command: info"));
-    }
-    return usageError(Usage::Topic::Project, QStringLiteral("unknown command 'project %1'").arg(sub));
+    return runSubcommand(words, Usage::Topic::Project, QStringLiteral("project"),
+                         {{"info", info}});
 }
 
 } // namespace ProjectCommand

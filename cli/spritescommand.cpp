@@ -15,20 +15,8 @@ namespace SpritesCommand {
 
 ExitCode run(const QStringList &words)
 {
-    const QString sub = words.value(0);
-    if (sub == QLatin1String("export"))
-        return exportSprites(words.mid(1));
-    if (sub == QLatin1String("convert"))
-        return convert(words.mid(1));
-    if (sub == QLatin1String("render"))
-        return render(words.mid(1));
-    if (sub.isEmpty() || sub.startsWith(QLatin1Char('-'))) {
-        CommandStart start = startCommand(words, Usage::Topic::Sprites, {}, {});
-        if (start.finished)
-            return *start.finished;
-        return usageError(Usage::Topic::Sprites, QStringLiteral("missing command: export, convert or render"));
-    }
-    return usageError(Usage::Topic::Sprites, QStringLiteral("unknown command 'sprites %1'").arg(sub));
+    return runSubcommand(words, Usage::Topic::Sprites, QStringLiteral("sprites"),
+                         {{"export", exportSprites}, {"convert", convert}, {"render", render}});
 }
 
 } // namespace SpritesCommand

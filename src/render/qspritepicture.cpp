@@ -5,16 +5,27 @@
 
 namespace QSpritePicture {
 
+namespace {
+
+// One sprite in sprite mode at a zoom step; the background is set apart, since
+// only the stage picture shows it.
+void showSprite(QSprRender &render, QSprites *sprites, int index, int palette, int zoomIndex)
+{
+    render.setSprites(sprites);
+    render.setMode(SpriteMode);
+    render.setZoomIndex(zoomIndex);
+    render.setSpriteIndex(index, palette);
+}
+
+} // namespace
+
 QImage alone(QSprites *sprites, int index, int palette, int zoomIndex)
 {
     if (!sprites || index < 0 || index >= sprites->count())
         return QImage();
     QSprRender render;
-    render.setSprites(sprites);
-    render.setMode(SpriteMode);
-    render.setZoomIndex(zoomIndex);
+    showSprite(render, sprites, index, palette, zoomIndex);
     render.setBackgroundVisible(false);
-    render.setSpriteIndex(index, palette);
     render.setClsnVisible(false, false, false, false, false);
     render.setCrosses(false, false);
     const QRect sprite = render.spriteRect();
@@ -31,10 +42,7 @@ QImage onStage(QSprites *sprites, int index, int palette, int zoomIndex)
     if (!sprites || index < 0 || index >= sprites->count())
         return QImage();
     QSprRender render;
-    render.setSprites(sprites);
-    render.setMode(SpriteMode);
-    render.setZoomIndex(zoomIndex);
-    render.setSpriteIndex(index, palette);
+    showSprite(render, sprites, index, palette, zoomIndex);
     const QRect sprite = render.spriteRect().translated(-render.origin());
     if (sprite.isEmpty())
         return QImage();
