@@ -21,7 +21,7 @@
 
 #include <QDir>
 #include <QFileInfo>
-#include <QInputDialog>
+#include <QLabel>
 #include <QMainWindow>
 #include <QStatusBar>
 #include <QTabBar>
@@ -356,7 +356,11 @@ void QInterface::fileRunMugen()
     m_engineRun = run;
     connect(run, &QEngineRun::started, this, [this, run] {
         log(tr("Run in M.U.G.E.N. - %1 %2").arg(run->program(), run->arguments().join(QLatin1Char(' '))));
-        m_window->statusBar()->showMessage(tr("%1 is running the test...").arg(run->engine().name));
+        // A field of its own: passing status tips of menus would wipe a message.
+        auto *running = new QLabel(tr("%1 is running the test...").arg(run->engine().name));
+        running->setObjectName(QStringLiteral("engineRunning"));
+        m_window->statusBar()->insertPermanentWidget(0, running);
+        running->show();
     });
     connect(run, &QEngineRun::finished, this, [this](int exitCode, bool crashed) {
         log(crashed ? tr("M.U.G.E.N. ended abnormally") : tr("M.U.G.E.N. ended - %1").arg(exitCode));
@@ -397,7 +401,8 @@ void QInterface::engineRunDone(const QString &failure)
     m_engineRun = nullptr;
     if (!run)
         return;
-    m_window->statusBar()->clearMessage();
+    if (auto *running = m_window->statusBar()->findChild<QLabel *>(QStringLiteral("engineRunning")))
+        running->deleteLater();
     if (!failure.isEmpty()) {
         log(tr("M.U.G.E.N. could not be started - %1").arg(failure));
         QAskUser::warning(m_window, tr("Run in M.U.G.E.N."),

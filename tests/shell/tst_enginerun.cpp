@@ -8,6 +8,7 @@
 #include "project/qbakmanager.h"
 #include "project/qproject.h"
 #include "shell/bakdlg.h"
+#include "shell/bugdlg.h"
 #include "shell/enginedialogs.h"
 #include "shell/qenginerun.h"
 #include "shell/qinterface.h"
@@ -15,6 +16,7 @@
 #include <QDirIterator>
 #include <QGuiApplication>
 #include <QMainWindow>
+#include <QMenuBar>
 #include <QScreen>
 #include <QSignalSpy>
 #include <QTemporaryDir>
@@ -27,12 +29,12 @@ namespace {
 
 // An engine that notes its arguments and working folder, copies what chars/
 // holds while it runs to ../snapshot, and keeps running while a file "hold"
-// lies beside it (ten seconds at most).
+// lies beside it (fifteen seconds at most).
 const QByteArray kStub = "#!/bin/sh\n"
                          "here=$(dirname \"$0\")\n"
                          "{ for a in \"$@\"; do echo \"[$a]\"; done; pwd -P; } > \"$here/run.log\"\n"
                          "rm -rf \"$here/../snapshot\"; cp -r chars \"$here/../snapshot\"\n"
-                         "i=0; while [ -e hold ] && [ $i -lt 200 ]; do sleep 0.05; i=$((i+1)); done\n";
+                         "i=0; while [ -e hold ] && [ $i -lt 300 ]; do sleep 0.05; i=$((i+1)); done\n";
 
 QString makeEngine(const QString &folder, bool executable = true)
 {
@@ -209,13 +211,18 @@ private slots:
         QVERIFY(ask.texts.last().contains("still running"));
         QVERIFY(QFileInfo::exists(folder + QStringLiteral("/chars/bf3_0/bf3_0.def")));
         if (!shots.isEmpty()) {
-            // Typing goes on while the engine runs; the screen shows it.
-            root->window()->show();
-            root->window()->resize(900, 600);
-            ui->currentProject()->definitions()->document()->setPlainText(
-                QStringLiteral("; typed while the engine runs\r\n") + ui->currentProject()->definitions()->text());
-            QTest::qWait(1500);
+            // Five seconds of engine, the menus used meanwhile: the screen shows both.
+            QMainWindow *window = root->window();
+            window->setGeometry(QGuiApplication::primaryScreen()->availableGeometry());
+            window->show();
+            QVERIFY(QTest::qWaitForWindowExposed(window));
+            QTest::qWait(2500);
+            QMenuBar *bar = window->menuBar();
+            QTest::mouseClick(bar, Qt::LeftButton, {}, bar->actionGeometry(bar->actions().first()).center());
+            QTest::qWait(2500);
+            QVERIFY(ui->engineRun());
             QGuiApplication::primaryScreen()->grabWindow(0).save(shots + QStringLiteral("/engine-running.png"));
+            QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_Escape);
         }
         QVERIFY(QFile::remove(folder + QStringLiteral("/hold")));
         QTRY_VERIFY_WITH_TIMEOUT(!ui->engineRun(), 15000);
@@ -286,7 +293,7 @@ private slots:
         QCOMPARE(config.rowCount(), 0);
     }
 
-    void backupsThroughTheMenus()
+    void backupsAndBugReportsThroughTheMenus()
     {
         BF_REQUIRE_SAMPLE();
         TestSupport::AskRecorder ask;
@@ -344,6 +351,29 @@ private slots:
         const QBakManager left(kfm->definitions()->fileName());
         QCOMPARE(left.rowCount(), 2);
         QVERIFY(!QFileInfo::exists(first));
+
+        // A bug report carries the animations of the current project, and
+        // Help > Restore puts them into the project current then.
+        QFile::remove(m_dir.filePath(QStringLiteral("bug_descr.txt")));
+        const QString package = m_dir.filePath(QStringLiteral("kfm.bfb"));
+        ask.files << package;
+        ask.onDialog = [](QDialog *d) {
+            if (auto *bug = qobject_cast<BugDlg *>(d)) {
+                bug->setFlags({false, false, true, false, false, false});
+                bug->setDescription(QStringLiteral("the walk stutters"));
+            }
+            return int(QDialog::Accepted);
+        };
+        ui->helpReportBug();
+        const int actions = kfm->animations()->count();
+        QVERIFY(actions > 0);
+        ui->fileNew();
+        QCOMPARE(ui->currentProject()->animations()->count(), 0);
+        ask.files << package;
+        ui->restoreBugReport();
+        QCOMPARE(ui->currentProject()->animations()->count(), actions);
+        QCOMPARE(ui->currentProject()->animations()->fileText(), kfm->animations()->fileText());
+        QCOMPARE(readAll(m_dir.filePath(QStringLiteral("bug_descr.txt"))), QByteArray("the walk stutters"));
     }
 
 private:
