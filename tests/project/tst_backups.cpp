@@ -3,37 +3,10 @@
 #include "testsupport.h"
 
 #include "project/qbakmanager.h"
-#include "project/qproject.h"
 
 #include <QTemporaryDir>
-#include <QTextDocument>
 
-using TestSupport::readAll;
 using TestSupport::writeAll;
-
-namespace {
-
-// The fixture character in `dir`, with its DEF.
-QString copyHero(const QString &dir)
-{
-    const QString from = TestSupport::fixturesDir() + QStringLiteral("/hero/");
-    for (const char *name : {"hero.def", "hero.cmd", "hero.cns", "states/walk.st", "hero.air", "hero.snd",
-                             "hero1.act", "pals/hero4.act"})
-        writeAll(dir + QLatin1Char('/') + QLatin1String(name), readAll(from + QLatin1String(name)));
-    return dir + QStringLiteral("/hero.def");
-}
-
-QStringList filesUnder(const QString &folder)
-{
-    QStringList files;
-    QDirIterator it(folder, QDir::Files, QDirIterator::Subdirectories);
-    while (it.hasNext())
-        files << QDir(folder).relativeFilePath(it.next());
-    files.sort();
-    return files;
-}
-
-} // namespace
 
 class TestBackups : public QObject
 {
@@ -80,47 +53,6 @@ private slots:
 
         // A project with no folder has no backups.
         QCOMPARE(QBakManager(QString()).rowCount(), 0);
-    }
-
-    void backupsOfOneSecondAndReadingOneBack()
-    {
-        QTemporaryDir dir;
-        const QString def = copyHero(dir.path());
-        QProject p;
-        QVERIFY(p.fromFile(def, 39, false, false));
-
-        // Two backups in a row, within the same second as a rule: two folders, both whole.
-        QVERIFY(p.backup());
-        const QString first = p.lastBackupFolder();
-        p.commands()->document()->setPlainText(QStringLiteral("[Command]\r\nname = \"second\""));
-        QVERIFY(p.backup());
-        const QString second = p.lastBackupFolder();
-        QVERIFY(first != second);
-        QCOMPARE(filesUnder(first), filesUnder(second));
-        QVERIFY(filesUnder(first).contains(QStringLiteral("States/walk.st")));
-        QVERIFY(!readAll(first + QStringLiteral("hero.cmd")).contains("second"));
-        QVERIFY(readAll(second + QStringLiteral("hero.cmd")).contains("second"));
-        QCOMPARE(QBakManager(def).stamps().size(), 2);
-        QCOMPARE(QBakManager(def).chosenFile(0), second + QStringLiteral("hero.def"));
-
-        // Saved past the backup, the originals differ from it.
-        p.commands()->document()->setPlainText(QStringLiteral("[Command]\r\nname = \"third\""));
-        p.state(1)->document()->setPlainText(QStringLiteral("[Statedef 20]\r\ntype = S"));
-        QVERIFY(p.toFile());
-        QVERIFY(readAll(def.left(def.lastIndexOf('/')) + QStringLiteral("/hero.cmd")).contains("third"));
-
-        // Reading the first backup back leaves the files alone and the project
-        // unsaved; the save then makes the originals what the backup holds.
-        QVERIFY(p.fromFile(first + QStringLiteral("hero.def"), 39, false, true));
-        QVERIFY(p.isRestored());
-        QVERIFY(p.commands()->isModified());
-        QVERIFY(p.definitions()->isModified());
-        QVERIFY(readAll(dir.filePath(QStringLiteral("hero.cmd"))).contains("third"));
-        QCOMPARE(p.definitions()->fileName(), def);
-        QVERIFY(p.toFile());
-        QVERIFY(!p.isRestored());
-        for (const QString &name : filesUnder(first))
-            QVERIFY2(readAll(QProject::resolveFile(dir.path(), name)) == readAll(first + name), qPrintable(name));
     }
 };
 
