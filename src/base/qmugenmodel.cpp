@@ -6,6 +6,8 @@
 #include <QDomDocument>
 #include <QFile>
 
+#include <algorithm>
+
 namespace {
 QString engineKey(int index, const char *field)
 {
@@ -192,6 +194,7 @@ bool QMugenModel::load(const QString &fileName)
         engine.name = it.value().toString();
         engine.params = map.value(engineKey(i, "params")).toString();
         engine.exe = map.value(engineKey(i, "exe")).toString();
+        engine.launcher = map.value(engineKey(i, "launcher")).toString();
         const int row = int(engines.size());
         beginInsertRows(QModelIndex(), row, row);
         engines.append(engine);
@@ -208,6 +211,7 @@ bool QMugenModel::save(const QString &fileName)
         map[engineKey(i, "name")] = engines.at(i).name;
         map[engineKey(i, "exe")] = engines.at(i).exe;
         map[engineKey(i, "params")] = engines.at(i).params;
+        map[engineKey(i, "launcher")] = engines.at(i).launcher;
     }
 
     QDomDocument doc(QStringLiteral("ORVConfigML"));
@@ -220,4 +224,72 @@ bool QMugenModel::save(const QString &fileName)
         root.appendChild(e);
     }
     return QXmlHelper::save(doc, fileName);
+}
+
+void QMugenModel::addEngine(const Engine &engine)
+{
+    const int row = int(engines.size());
+    beginInsertRows(QModelIndex(), row, row);
+    engines.append(engine);
+    endInsertRows();
+    dropStaleSlots();
+}
+
+void QMugenModel::setEngine(int row, const Engine &engine)
+{
+    if (row < 0 || row >= engines.size())
+        return;
+    engines[row] = engine;
+    emit dataChanged(index(row), index(row));
+    dropStaleSlots();
+}
+
+void QMugenModel::removeEngine(int row)
+{
+    if (removeRows(row, 1))
+        dropStaleSlots();
+}
+
+void QMugenModel::clearEngines()
+{
+    if (engines.isEmpty())
+        return;
+    beginResetModel();
+    engines.clear();
+    endResetModel();
+    dropStaleSlots();
+}
+
+bool QMugenModel::moveEngine(int row, bool up)
+{
+    const int other = up ? row - 1 : row + 1;
+    if (row < 0 || row >= engines.size() || other < 0 || other >= engines.size())
+        return false;
+    // beginMoveRows names the row in front of which the moved one lands.
+    const int first = qMin(row, other);
+    if (!beginMoveRows(QModelIndex(), first + 1, first + 1, QModelIndex(), first))
+        return false;
+    engines.swapItemsAt(first, first + 1);
+    endMoveRows();
+    dropStaleSlots();
+    return true;
+}
+
+void QMugenModel::dropStaleSlots()
+{
+    static const char *const fields[] = {"name", "exe", "params", "launcher"};
+    const QString prefix = QStringLiteral("mugen_");
+    for (auto it = map.begin(); it != map.end();) {
+        bool stale = false;
+        if (it.key().startsWith(prefix)) {
+            const qsizetype end = it.key().indexOf(QLatin1Char('_'), prefix.size());
+            bool isNumber = false;
+            const int slot = it.key().mid(prefix.size(), end - prefix.size()).toInt(&isNumber);
+            const QString field = it.key().mid(end + 1);
+            stale = end > 0 && isNumber && slot >= engines.size()
+                    && std::any_of(std::begin(fields), std::end(fields),
+                                   [&field](const char *f) { return field == QLatin1String(f); });
+        }
+        it = stale ? map.erase(it) : std::next(it);
+    }
 }

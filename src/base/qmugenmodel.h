@@ -20,6 +20,9 @@ public:
         QString name;
         QString exe;
         QString params;
+        // A program that runs the executable, with its own arguments: "wine"
+        // for a Windows engine on Linux. Empty: the executable runs itself.
+        QString launcher;
     };
 
     // The engine slots a file can describe: mugen_0_ to mugen_49_.
@@ -48,6 +51,17 @@ public:
     QString text(const QString &key, const QString &fallback = QString()) const;
     void set(const QString &key, const QVariant &value) { map[key] = value; }
 
+    // Engine list edits, with the model's notifications, so that the lists
+    // bound to it follow at once. Out-of-range rows do nothing. After any of
+    // them the file holds exactly the list: slots left over from an older
+    // file are dropped, so that a removed engine stays removed.
+    void addEngine(const Engine &engine);
+    void setEngine(int row, const Engine &engine);
+    void removeEngine(int row);
+    void clearEngines();
+    // Swaps a row with its neighbour above (up) or below; false at the ends.
+    bool moveEngine(int row, bool up);
+
     // "true", "yes", "on" or a number other than 0 are on; "false", "no",
     // "off" and 0 are off (letter case aside); anything else, the fallback.
     static bool toFlag(const QVariant &value, bool fallback = false);
@@ -57,4 +71,7 @@ public:
 
     QList<Engine> engines;
     QMap<QString, QVariant> map;
+
+private:
+    void dropStaleSlots();
 };

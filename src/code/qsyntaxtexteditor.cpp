@@ -126,16 +126,13 @@ bool QSyntaxTextEditor::loadFile(const QString &path, int defaultIndex, bool kee
         setSyntax(detectLanguage(text));
     m_document->setPlainText(text);
     m_document->setModified(false);
-    if (!keepName) {
+    if (!keepName)
         m_fileName = path;
-        m_fileBytes = bytes;
-        m_fileText = text;
-        m_fileEncoding = codec ? codec->name() : QByteArray("UTF-8");
-    } else {
-        m_fileBytes.clear();
-        m_fileText.clear();
-        m_fileEncoding.clear();
-    }
+    // With the name kept too: a backup read back is written over the file as
+    // the backup holds it, byte for byte, while its text stays unchanged.
+    m_fileBytes = bytes;
+    m_fileText = text;
+    m_fileEncoding = codec ? codec->name() : QByteArray("UTF-8");
     setEncoding(codec ? codec->name() : QByteArray("UTF-8"));
     m_errorString.clear();
     updateHierarchy();

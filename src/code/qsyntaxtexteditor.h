@@ -51,7 +51,8 @@ public:
 
     // Reads the file through the encoding detection, defaultIndex being the
     // fallback code page. With keepName the text is taken over but the
-    // document stays bound to its own file (reading a backup back). Fails,
+    // document stays bound to its own file (reading a backup back), and a
+    // save of the unchanged text writes the bytes that were read. Fails,
     // leaving the document as it was, when the file can't be read.
     bool loadFile(const QString &path, int defaultIndex, bool keepWatch = false, bool keepName = false);
     // Writes the text with CR LF line ends and a byte-order mark where the

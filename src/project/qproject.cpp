@@ -3,6 +3,7 @@
 #include "base/airlexer.h"
 #include "code/qsyntaxhierarchy.h"
 #include "code/qtextencoding.h"
+#include "project/qbakmanager.h"
 #include "project/qanimationsfile.h"
 #include "sprites/qpalettefile.h"
 
@@ -468,15 +469,10 @@ void QProject::fail(const QString &path, const QString &text, bool listed)
 
 QString QProject::makeBackupFolder(const QString &defFile)
 {
-    const QString folder = QFileInfo(defFile).canonicalPath();
-    if (folder.isEmpty())
-        return QString();
-    const QString stamp = QLocale::c().toString(QDateTime::currentDateTime(), QStringLiteral("dd-MM-yyyy h-m-s ap"));
-    const QString dir = folder + QStringLiteral("/backup/") + stamp + QLatin1Char('/');
-    if (!QDir().mkpath(dir)) {
-        fail(dir, tr("The backup folder can't be made"));
-        return QString();
-    }
+    QString error;
+    const QString dir = QBakManager::makeFolder(defFile, &error);
+    if (dir.isEmpty())
+        fail(defFile, tr("No backup folder can be made: %1").arg(error));
     return dir;
 }
 
@@ -604,6 +600,7 @@ bool QProject::fromFile(const QString &fileName, uint codepage, bool backup, boo
     m_messages.addInfo(tr("Open project - %1").arg(fileName));
     beginWork();
     m_backup.clear();
+    m_restoredAnimations.clear();
     if (backup && QFileInfo(fileName).isFile()) {
         m_backup = makeBackupFolder(fileName);
         m_lastBackup = m_backup;
@@ -623,8 +620,10 @@ bool QProject::fromFile(const QString &fileName, uint codepage, bool backup, boo
     const QProjectDefFiles &files = m_defFiles;
     const uint total = uint(files.palettes.size() + files.states.size() + 4);
     uint done = 0;
-    auto finish = [this] {
+    auto finish = [this, temporary] {
         m_backup.clear();
+        if (temporary)
+            markRestored();
         return true;
     };
     auto missing = [this, &files](const QString &name) {
@@ -675,8 +674,8 @@ bool QProject::fromFile(const QString &fileName, uint codepage, bool backup, boo
     // theirs in the DEF itself, fonts have none.
     if (isCharacter()) {
         const QString air = existing(files.animation);
-        if (!air.isEmpty())
-            loadAnimations(air, codepage, temporary);
+        if (!air.isEmpty() && loadAnimations(air, codepage, temporary) && temporary)
+            m_restoredAnimations = air;
     } else if (m_type != QProjectType::Font) {
         m_defAnimations.read();
     }
@@ -822,13 +821,19 @@ bool QProject::toFile()
         writeSprites(spritesFile(), 0, false);
     if (!step(++done, total))
         return false;
-    if (!isCharacter())
+    if (!isCharacter()) {
+        if (workDone())
+            m_restored = false;
         return workDone();
+    }
 
     if (!QFileInfo(m_animations.path()).isFile())
         saveFile(QProjectFile::Animations, false);
-    else if (m_animations.isModified() && askCanSave(QProjectFile::Animations, m_version))
-        writeAnimations(m_animations.path(), QString(), true);
+    else if ((m_animations.isModified() || (m_restored && !m_animations.isEmpty())) && askCanSave(QProjectFile::Animations, m_version))
+        // Untouched since it came back, the backup's file goes over as it is, in its own layout.
+        writeAnimations(m_animations.path(),
+                        m_restored && QFileInfo(m_restoredAnimations).isFile() ? m_restoredAnimations : QString(),
+                        true);
     if (!step(++done, total))
         return false;
 
@@ -851,14 +856,35 @@ bool QProject::toFile()
 
     if (!step(++done, total))
         return false;
+    if (workDone())
+        m_restored = false;
     return workDone();
+}
+
+// What a backup brought back differs from the files it came from: every slot
+// it filled is unsaved, so that the next save writes it over the originals.
+void QProject::markRestored()
+{
+    m_definitions.setModified(true);
+    if (!m_commands.isEmpty())
+        m_commands.setModified(true);
+    for (QSyntaxTextEditor *doc : std::as_const(m_states))
+        if (!doc->isEmpty())
+            doc->setModified(true);
+    if (!spritesEmpty())
+        m_sprites.setModified(true);
+    // The animation store has no flag to set from outside: the project keeps it.
+    m_restored = true;
 }
 
 bool QProject::saveAs(const QString &fileName, bool asUtf8)
 {
     beginWork();
     const QFileInfo info(fileName);
-    return writeProject(info.absolutePath(), info.fileName(), CopyKind::SaveAs, asUtf8);
+    const bool saved = writeProject(info.absolutePath(), info.fileName(), CopyKind::SaveAs, asUtf8);
+    if (saved)
+        m_restored = false;
+    return saved;
 }
 
 QStringList QProject::filesReplacedBySaveAs(const QString &fileName) const
@@ -1061,7 +1087,13 @@ bool QProject::loadSprites(const QString &path, bool temporary, uint position, u
 {
     m_spritesError.clear();
     const int before = m_messages.rowCount();
-    if (m_sprites.fromFile(path, isCharacter(), temporary))
+    // The store starts afresh on every read; a backup read back stays bound
+    // to the project's own file, so that the next save goes there.
+    const QString own = m_sprites.fileName();
+    const bool read = m_sprites.fromFile(path, isCharacter(), temporary);
+    if (temporary)
+        m_sprites.setFileName(own);
+    if (read)
         return true;
     bool listed = false;
     const QString reason = spritesLoadFailure(path, before, &listed);

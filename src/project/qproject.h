@@ -94,6 +94,9 @@ public:
     // Saves one slot under a name asked through saveFileName(); `state` picks
     // the state document. False when the slot is empty, refused or not written.
     bool saveFile(QProjectFile kind, bool asUtf8, int state = 0);
+    // True from reading a backup back until the next complete save: the
+    // project differs from its files even where no store says so.
+    bool isRestored() const { return m_restored; }
     // Folder of the last backup written or taken on load, empty if none.
     QString lastBackupFolder() const { return m_lastBackup; }
 
@@ -151,6 +154,7 @@ private:
     bool askCanSave(QProjectFile kind, quint32 version);
     quint32 askSpritesVersion(quint32 version);
     QString makeBackupFolder(const QString &defFile);
+    void markRestored();
     void copyToBackup(const QString &source, const QString &name);
     void reportBadBytes(const QSyntaxTextEditor &doc);
     // A file that could not be read or written: an error in the issues (unless
@@ -209,5 +213,7 @@ private:
     QString m_lastBackup;
     QStringList m_failures;
     bool m_stopped = false;
+    bool m_restored = false; // a backup was read back and is not saved yet
+    QString m_restoredAnimations; // the backup's animation file it came from
     QString m_spritesError; // what the sprite store said of its last failure
 };

@@ -11,6 +11,7 @@
 
 class ErrorDlg;
 class QDockWidget;
+class QEngineRun;
 class QEditorRegistry;
 class QHistoryManager;
 class QListView;
@@ -62,6 +63,11 @@ public:
     using JumpHandler = std::function<bool(const QString &file, uint line)>;
     void addJumpHandler(const QString &context, JumpHandler handler);
 
+    // The run in an engine under way, or null.
+    QEngineRun *engineRun() const { return m_engineRun; }
+    // How many backups beside a project are kept, the newest (0: all).
+    static constexpr const char *BackupKeepKey = "backup_keep";
+
     // Reads and writes what the controller keeps between runs. Called by
     // init() and the destructor; public so that a reset can run them again.
     void restoreControllerState();
@@ -96,11 +102,18 @@ public slots:
     void viewOrganizer(bool show);
     void viewActions(bool show);
     void toolsOptions();
+    void toolsEngines();
     void toolsScript();
     void helpAbout();
     void helpReportBug();
     void restoreBugReport();
     void actionChanged(const QModelIndex &index);
+
+signals:
+    // A run in an engine has ended, or could not start; its copies are gone.
+    void engineRunEnded();
+
+public slots:
 
     QString saveFileName(QProjectFile kind, const QString &folder);
     quint32 spritesVersionToSave(quint32 version);
@@ -136,6 +149,12 @@ private:
     bool runProjectWork(QProject *project, const QString &caption, const std::function<bool()> &work);
     // Tells the user, and the log, which files failed and why; nothing if none did.
     void reportFailures(const QString &title, const QString &intro, const QStringList &failures);
+    // The current editor shows the current project again.
+    void refreshCurrentEditor();
+    // Removes the backups of a project beyond the number the user keeps.
+    void pruneBackups(QProject *project);
+    bool writeTestCopies(QEngineRun *run, QMap<int, QString> *names);
+    void engineRunDone(const QString &failure);
     void spriteOrderWarning(QProject *project, const QList<uint> &sprites);
     void registerDialog(const QString &tag, QWidget *dialog);
     // Lines for the program's log, when it has one.
@@ -165,4 +184,5 @@ private:
     QMap<QString, QPointer<QWidget>> m_dialogs;
     QMap<QString, JumpHandler> m_jumpHandlers;
     int m_projectWork = 0; // project loads and saves under way
+    QEngineRun *m_engineRun = nullptr; // child of this object
 };

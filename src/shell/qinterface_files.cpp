@@ -7,7 +7,11 @@
 #include "base/qlog.h"
 #include "base/qmugenmodel.h"
 #include "project/qproject.h"
+#include "project/qbakmanager.h"
+#include "shell/bakdlg.h"
+#include "shell/enginedialogs.h"
 #include "shell/errordlg.h"
+#include "shell/qenginerun.h"
 #include "shell/qaskuser.h"
 #include "shell/qhistorymanager.h"
 #include "shell/qprogress.h"
@@ -17,8 +21,9 @@
 
 #include <QDir>
 #include <QFileInfo>
-#include <QInputDialog>
+#include <QLabel>
 #include <QMainWindow>
+#include <QStatusBar>
 #include <QTabBar>
 
 QString QInterface::configString(const char *key) const
@@ -62,6 +67,8 @@ void QInterface::openProject(const QString &fileName)
     reportFailures(tr("Open project"), tr("Some files of the project could not be read or backed up:"),
                    project->failures());
     addProjectTab(project);
+    if (!project->lastBackupFolder().isEmpty())
+        pruneBackups(project);
     if (m_history)
         m_history->add(QFileInfo(fileName).absoluteFilePath());
     if (m_objects.config)
@@ -212,6 +219,15 @@ void QInterface::fileBackup()
     const bool done = runProjectWork(project, tr("Creating backup..."), [project] { return project->backup(); });
     log((done ? tr("Backup - %1") : tr("Backup not complete - %1")).arg(project->lastBackupFolder()));
     reportFailures(tr("Backup"), tr("The backup is not complete:"), project->failures());
+    if (done)
+        pruneBackups(project);
+}
+
+void QInterface::pruneBackups(QProject *project)
+{
+    const int keep = m_objects.config ? m_objects.config->number(QString::fromLatin1(BackupKeepKey)) : 0;
+    const QStringList failures = QBakManager::prune(project->definitions()->fileName(), keep);
+    reportFailures(tr("Backup"), tr("Some old backups could not be removed:"), failures);
 }
 
 void QInterface::fileLoadBackup()
@@ -219,30 +235,22 @@ void QInterface::fileLoadBackup()
     QProject *project = m_currentProject;
     if (!project)
         return;
-    const QString def = project->definitions()->fileName();
-    const QFileInfo info(def);
-    QStringList stamps;
-    if (!def.isEmpty() && info.exists()) {
-        const QDir backups(info.canonicalPath() + QStringLiteral("/backup"));
-        for (const QString &stamp : backups.entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name)) {
-            if (!stamp.startsWith(QLatin1Char('.')))
-                stamps.append(stamp);
-        }
-    }
-    if (stamps.isEmpty()) {
+    BakDlg dlg(m_window, project->definitions()->fileName());
+    if (dlg.backupCount() == 0) {
         QAskUser::message(m_window, QMessageBox::Information, tr("Load backup"),
                           tr("This project has no backups yet."));
         return;
     }
-    QInputDialog dlg(m_window);
-    dlg.setWindowTitle(tr("Load backup"));
-    dlg.setLabelText(tr("Choose a backup to be loaded:"));
-    dlg.setComboBoxItems(stamps);
-    dlg.setOption(QInputDialog::UseListViewForComboBoxItems);
-    if (QAskUser::exec(&dlg) != QDialog::Accepted || dlg.textValue().isEmpty())
+    const QString keepKey = QString::fromLatin1(BackupKeepKey);
+    if (m_objects.config)
+        dlg.setKeep(m_objects.config->number(keepKey));
+    const bool accepted = QAskUser::exec(&dlg) == QDialog::Accepted;
+    // The number kept is a setting of its own: it counts however the box closed.
+    if (m_objects.config)
+        m_objects.config->set(keepKey, dlg.keep());
+    const QString path = dlg.chosenFile();
+    if (!accepted || path.isEmpty())
         return;
-    const QString path = info.canonicalPath() + QStringLiteral("/backup/") + dlg.textValue() + QLatin1Char('/')
-                         + info.fileName();
     const bool loaded = runProjectWork(project, tr("Loading backup..."), [&] {
         return project->fromFile(path, configString("default_codepage").toUInt(), false, true);
     });
@@ -252,6 +260,7 @@ void QInterface::fileLoadBackup()
                    project->failures());
     setCurrentProject(project);
     projTypeChanged(project);
+    m_registry->updateEditorName();
 }
 
 bool QInterface::runProjectWork(QProject *project, const QString &caption, const std::function<bool()> &work)
@@ -301,8 +310,107 @@ void QInterface::spriteOrderWarning(QProject *project, const QList<uint> &sprite
 
 void QInterface::fileRunMugen()
 {
-    // Runs in the engine come with the engine part of the program; until it
-    // is there the command is disabled (see buildProjectMenu).
+    const QString title = tr("Run in M.U.G.E.N.");
+    // One run at a time: its copies are in the engine's folder until it ends.
+    if (m_engineRun) {
+        QAskUser::message(m_window, QMessageBox::Information, title,
+                          tr("M.U.G.E.N. is still running the last test. Close it before you start another one."));
+        return;
+    }
+    QMugenModel *config = m_objects.config;
+    if (!config || config->engines.isEmpty()) {
+        QAskUser::warning(m_window, tr("Warning!"),
+                          tr("Oops, you need to configure a M.U.G.E.N. first. Do it in the Tools / Options."));
+        return;
+    }
+    QMugenModel::Engine engine = config->engines.first();
+    if (config->engines.size() > 1) {
+        MugRunDlg dlg(config, m_window);
+        if (QAskUser::exec(&dlg) != QDialog::Accepted || dlg.engineRow() < 0)
+            return;
+        engine = dlg.engine();
+    }
+    auto *run = new QEngineRun(engine, this);
+    if (run->placeholders().isEmpty()) {
+        delete run;
+        QAskUser::warning(m_window, tr("Warning!"),
+                          tr("Oops, wrong parameters on the M.U.G.E.N. configuration. Check it in the Tools / "
+                             "Options."));
+        return;
+    }
+    const QString problem = run->problem();
+    if (!problem.isEmpty()) {
+        delete run;
+        QAskUser::warning(m_window, title, problem);
+        return;
+    }
+    // Copies a crash of an earlier run left behind would be mistaken for this run's.
+    reportFailures(title, tr("Test copies of an earlier run could not be removed:"), run->removeStaleCopies());
+    QMap<int, QString> names;
+    if (!writeTestCopies(run, &names)) {
+        run->removeCopies();
+        delete run;
+        return;
+    }
+
+    m_engineRun = run;
+    connect(run, &QEngineRun::started, this, [this, run] {
+        log(tr("Run in M.U.G.E.N. - %1 %2").arg(run->program(), run->arguments().join(QLatin1Char(' '))));
+        // A field of its own: passing status tips of menus would wipe a message.
+        auto *running = new QLabel(tr("%1 is running the test...").arg(run->engine().name));
+        running->setObjectName(QStringLiteral("engineRunning"));
+        m_window->statusBar()->insertPermanentWidget(0, running);
+        running->show();
+    });
+    connect(run, &QEngineRun::finished, this, [this](int exitCode, bool crashed) {
+        log(crashed ? tr("M.U.G.E.N. ended abnormally") : tr("M.U.G.E.N. ended - %1").arg(exitCode));
+        engineRunDone(QString());
+    });
+    connect(run, &QEngineRun::failed, this, [this](const QString &reason) { engineRunDone(reason); });
+    run->start(names);
+}
+
+bool QInterface::writeTestCopies(QEngineRun *run, QMap<int, QString> *names)
+{
+    const QList<int> numbers = run->placeholders();
+    for (int i = 0; i < numbers.size(); ++i) {
+        const int n = numbers.at(i);
+        // A placeholder for a tab that isn't open stays as it is in the line.
+        if (n > m_projects.size())
+            continue;
+        QProject *project = n == 0 ? m_currentProject : m_projects.at(n - 1);
+        if (!project)
+            continue;
+        const QString name = QEngineRun::copyName(i);
+        const bool written = runProjectWork(project, tr("Saving project for testing..."), [&] {
+            return project->toTemporary(run->copyFolder(i) + QLatin1Char('/'), name);
+        });
+        if (!written) {
+            reportFailures(tr("Run in M.U.G.E.N."), tr("The test copy could not be written, so the test is off:"),
+                           project->failures());
+            return false;
+        }
+        names->insert(n, name);
+    }
+    return true;
+}
+
+void QInterface::engineRunDone(const QString &failure)
+{
+    QEngineRun *run = m_engineRun;
+    m_engineRun = nullptr;
+    if (!run)
+        return;
+    if (auto *running = m_window->statusBar()->findChild<QLabel *>(QStringLiteral("engineRunning")))
+        running->deleteLater();
+    if (!failure.isEmpty()) {
+        log(tr("M.U.G.E.N. could not be started - %1").arg(failure));
+        QAskUser::warning(m_window, tr("Run in M.U.G.E.N."),
+                          tr("%1 could not be started: %2").arg(QDir::toNativeSeparators(run->program()), failure));
+    }
+    run->deleteLater();
+    refreshCurrentEditor();
+    emit engineRunEnded();
 }
 
 QString QInterface::saveFileName(QProjectFile kind, const QString &folder)

@@ -11,6 +11,8 @@
 #include "base/qmugenmodel.h"
 #include "project/qproject.h"
 #include "shell/bugdlg.h"
+#include "shell/enginedialogs.h"
+#include "shell/qinterfaceeditor.h"
 #include "shell/errordlg.h"
 #include "shell/qaskuser.h"
 #include "shell/qhistorymanager.h"
@@ -102,8 +104,7 @@ void QInterface::buildProjectMenu()
     add("file_backup", 7, SLOT(fileBackup()));
     add("file_load_backup", 8, SLOT(fileLoadBackup()));
     separator();
-    // Runs in the engine arrive with the engine part; until then the command stays off.
-    add("file_run_mugen", 9, SLOT(fileRunMugen()))->setEnabled(false);
+    add("file_run_mugen", 9, SLOT(fileRunMugen()));
     if (exit)
         separator();
 }
@@ -172,6 +173,8 @@ void QInterface::buildToolsAndHelpMenus()
         // Four fixed entries: the tool scripts are listed after them.
         tools->addAction(m_actions.addAction(kGlobal, QStringLiteral("tools_options"), 37, false, this,
                                              SLOT(toolsOptions())));
+        tools->addAction(m_actions.addAction(kGlobal, QStringLiteral("tools_engines"), 326, false, this,
+                                             SLOT(toolsEngines())));
         tools->addSeparator();
         tools->addAction(m_actions.addAction(kGlobal, QStringLiteral("tools_script_editor"), 38, false, this,
                                              SLOT(toolsScript())));
@@ -180,6 +183,8 @@ void QInterface::buildToolsAndHelpMenus()
     if (QMenu *help = windowMenu(m_window, "menuHelp")) {
         help->addAction(m_actions.addAction(kGlobal, QStringLiteral("help_reportbug"), 40, false, this,
                                             SLOT(helpReportBug())));
+        help->addAction(m_actions.addAction(kGlobal, QStringLiteral("help_restorebug"), 327, false, this,
+                                            SLOT(restoreBugReport())));
         help->addSeparator();
         help->addAction(
             m_actions.addAction(kGlobal, QStringLiteral("help_about"), 41, false, this, SLOT(helpAbout())));
@@ -257,8 +262,19 @@ void QInterface::viewActions(bool show)
 
 void QInterface::toolsOptions()
 {
+    // Until the options have a dialog of their own, the engines are what can be set here.
     if (QWidget *options = m_dialogs.value(QStringLiteral("options")))
         options->show();
+    else
+        toolsEngines();
+}
+
+void QInterface::toolsEngines()
+{
+    if (!m_objects.config)
+        return;
+    EnginesDlg dlg(m_objects.config, m_window);
+    QAskUser::exec(&dlg);
 }
 
 void QInterface::toolsScript()
@@ -289,8 +305,9 @@ void QInterface::helpReportBug()
                                           : m_objects.paths ? m_objects.paths->stateFile(QStringLiteral("log.txt"))
                                                             : QString();
     QString error;
-    // No store carries a section of its own yet: the package holds the log and the description.
-    if (QBugReport::make(target, logFile, dlg.description(), dlg.flags(), nullptr, &error))
+    // The animation store writes its own section; the other editors have a placeholder.
+    const QBugReportSection *animations = m_currentProject ? m_currentProject->animations() : nullptr;
+    if (QBugReport::make(target, logFile, dlg.description(), dlg.flags(), animations, &error))
         log(tr("Bug report written - %1").arg(target));
     else
         QAskUser::warning(m_window, tr("Report a bug"), error);
@@ -304,8 +321,20 @@ void QInterface::restoreBugReport()
         return;
     QString error;
     const QString folder = m_objects.paths ? m_objects.paths->stateDir() : QString();
-    if (!QBugReport::restore(package, folder, nullptr, &error))
+    QBugReportSection *animations = m_currentProject ? m_currentProject->animations() : nullptr;
+    const bool restored = QBugReport::restore(package, folder, animations, &error);
+    refreshCurrentEditor();
+    if (restored)
+        log(tr("Bug report restored - %1").arg(package));
+    else
         QAskUser::warning(m_window, tr("Restore Bug Report"), error);
+}
+
+void QInterface::refreshCurrentEditor()
+{
+    if (QInterfaceEditor *editor = m_registry->editor(m_registry->currentEditorId()))
+        editor->activate(false);
+    m_registry->updateEditorName();
 }
 
 void QInterface::log(const QString &line) const

@@ -334,6 +334,8 @@ const char *const kCaptions[QTranslationUnit::Count] = {
     QT_TRANSLATE_NOOP("QTranslationUnit", "Save"), // 323
     QT_TRANSLATE_NOOP("QTranslationUnit", "Save as..."), // 324
     QT_TRANSLATE_NOOP("QTranslationUnit", "Run"), // 325
+    QT_TRANSLATE_NOOP("QTranslationUnit", "M.U.G.E.N. engines..."), // 326
+    QT_TRANSLATE_NOOP("QTranslationUnit", "Restore a bug report..."), // 327
 };
 
 // Tool tips; nullptr where the id is a field label.
@@ -664,6 +666,8 @@ const char *const kToolTips[QTranslationUnit::Count] = {
     QT_TRANSLATE_NOOP("QTranslationUnit", "Save the script"), // 323
     QT_TRANSLATE_NOOP("QTranslationUnit", "Save the script under a new name"), // 324
     QT_TRANSLATE_NOOP("QTranslationUnit", "Run the script"), // 325
+    QT_TRANSLATE_NOOP("QTranslationUnit", "Add, edit, remove and order the engines that projects run in"), // 326
+    QT_TRANSLATE_NOOP("QTranslationUnit", "Unpack a bug report: its log, its description and its animations"), // 327
 };
 
 struct LongText

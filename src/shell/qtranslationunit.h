@@ -14,7 +14,7 @@ class QTranslationUnit : public QObject
 
 public:
     // Ids run from 0 to Count - 1; anything else reads as an empty text.
-    static constexpr int Count = 326;
+    static constexpr int Count = 328;
 
     explicit QTranslationUnit(QObject *parent = nullptr);
 

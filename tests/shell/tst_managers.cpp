@@ -71,7 +71,7 @@ private slots:
         QCOMPARE(tu.text(9), QStringLiteral("Run in M.U.G.E.N"));
         QCOMPARE(tu.text(277), QStringLiteral("Send selectied colors to the right palette"));
         QCOMPARE(tu.text(325), QStringLiteral("Run"));
-        QCOMPARE(tu.text(326), QString());
+        QCOMPARE(tu.text(QTranslationUnit::Count), QString());
         QCOMPARE(tu.text(-1), QString());
 
         QActionManager am;
