@@ -76,7 +76,7 @@ private slots:
     void initTestCase()
     {
         m_root = TestSupport::startProgram(m_home.path());
-        m_root->window()->resize(1100, 800);
+        m_root->window()->resize(1280, 860);
         m_root->window()->show();
         QAskUser::setMessageHandler([this](QMessageBox::Icon, const QString &title, const QString &text,
                                            QMessageBox::StandardButtons, QMessageBox::StandardButton) {
@@ -309,6 +309,30 @@ private slots:
         trigger("edit_undo");
         QCOMPARE(s->count(), 3);
         QCOMPARE(s->paletteCount(), palettes);
+    }
+
+    // With BF_SCREENSHOT_DIR set (under xvfb-run), the pictures of the README.
+    void screenshotsForTheDocs()
+    {
+        const QString dir = qEnvironmentVariable("BF_SCREENSHOT_DIR");
+        if (dir.isEmpty())
+            QSKIP("BF_SCREENSHOT_DIR not set");
+        BF_REQUIRE_SAMPLE();
+        QWidget *window = m_root->window();
+        auto shoot = [&](const char *name) {
+            QTest::qWait(200);
+            QVERIFY(window->grab().save(dir + QLatin1Char('/') + QLatin1String(name)));
+        };
+        freshProject();
+        shoot("sprites-empty.png");
+        ui()->openProject(TestSupport::samplePath("chars/kfm/kfm.def"));
+        registry().editorAction(1)->trigger();
+        editor()->stage()->setOrigin(editor()->stageHost()->width() / 2, editor()->stageHost()->height() * 3 / 4);
+        editor()->definePos(store()->findSprite(0, 0, 0));
+        shoot("sprites-kfm-stand.png");
+        editor()->stage()->setOrigin(editor()->stageHost()->width() / 3, editor()->stageHost()->height() / 4);
+        editor()->definePos(store()->findSprite(0, 9000, 1));
+        shoot("sprites-kfm-portrait.png");
     }
 
     void largeStoreDecodesOnlyWhatItShows()
