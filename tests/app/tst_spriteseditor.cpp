@@ -328,8 +328,10 @@ private slots:
         ui()->openProject(TestSupport::samplePath("chars/kfm/kfm.def"));
         registry().editorAction(1)->trigger();
         editor()->stage()->setOrigin(editor()->stageHost()->width() / 2, editor()->stageHost()->height() * 3 / 4);
+        editor()->stage()->setZoomIndex(3);
         editor()->definePos(store()->findSprite(0, 0, 0));
         shoot("sprites-kfm-stand.png");
+        editor()->stage()->setZoomIndex(2);
         editor()->stage()->setOrigin(editor()->stageHost()->width() / 3, editor()->stageHost()->height() / 4);
         editor()->definePos(store()->findSprite(0, 9000, 1));
         shoot("sprites-kfm-portrait.png");

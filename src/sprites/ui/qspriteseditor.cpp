@@ -463,7 +463,7 @@ template <typename F> void QSpritesEditor::editInfo(F change)
     QSpriteInfo info = s->item(m_pos)->info;
     const QSpriteInfo before = info;
     change(info);
-    if (std::memcmp(&info, &before, sizeof info) == 0)
+    if (info.x == before.x && info.y == before.y && info.group == before.group && info.number == before.number)
         return;
     s->setInfo(m_pos, info);
     updateSel();
