@@ -11,6 +11,7 @@
 #include "shell/qeditorregistry.h"
 #include "shell/qinterface.h"
 #include "shell/qinterfacecontrolwidget.h"
+#include "shell/qwindowlayout.h"
 #include "sprites/qimagefile.h"
 #include "sprites/qspritecache.h"
 #include "sprites/qsprites.h"
@@ -153,8 +154,17 @@ private slots:
         trigger("edit_undo");
         QCOMPARE(s->item(0)->info.group, before.group);
 
-        // A drag on the sprite moves the axis; one undo takes the whole drag back.
+        // The stage's view commands are in the action list, for menus and keys.
         QSprRender *stage = editor()->stage();
+        stage->setZoomIndex(2);
+        trigger("view_zoomin");
+        QCOMPARE(stage->zoomIndex(), 3);
+        QAction2 *rulers = registry().actionManager().action(QStringLiteral("view_rulers"));
+        rulers->setChecked(!rulers->isChecked());
+        QCOMPARE(stage->rulers(), rulers->isChecked());
+        rulers->setChecked(!rulers->isChecked());
+
+        // A drag on the sprite moves the axis; one undo takes the whole drag back.
         stage->setZoomIndex(2);
         QTRY_VERIFY(!stage->spriteRect().isEmpty());
         const QPoint from = stage->spriteRect().center();
@@ -165,6 +175,7 @@ private slots:
         QCOMPARE(s->item(0)->info.x, qint16(before.x - 12));
         QCOMPARE(s->item(0)->info.y, qint16(before.y - 8));
         QTRY_COMPARE(spin("spr_xaxis"), before.x - 12);
+        QVERIFY(registry().layout().statusField(1)->text().startsWith(QLatin1String("Position: ")));
         trigger("edit_undo");
         QCOMPARE(s->item(0)->info.x, before.x);
         QCOMPARE(s->item(0)->info.y, before.y);

@@ -29,6 +29,7 @@
 #include <QScrollBar>
 #include <QSpinBox>
 #include <QTimer>
+#include <QtMath>
 
 namespace {
 
@@ -298,6 +299,10 @@ void QSpritesEditor::activate(bool reload)
 void QSpritesEditor::deactivate()
 {
     detachStore();
+    if (m_active) {
+        m_registry.layout().setStatusText(PositionField, QString());
+        m_registry.layout().setStatusText(VersionField, QString());
+    }
     if (m_stage)
         m_stage->setOnion(false, 0, 100);
     QInterfaceEditor::deactivate();
@@ -313,8 +318,15 @@ void QSpritesEditor::attachStore()
         });
         m_connections << connect(s->undoStack(), &QUndoStack::cleanChanged, this, [this] { emit modifiedChanged(); });
     }
-    if (QSprRender *r = stage())
+    if (QSprRender *r = stage()) {
         m_connections << connect(r, &QSprRender::axisChanged, this, &QSpritesEditor::axisChanged);
+        // The pointer in sprite pixels from the axis.
+        m_connections << connect(r, &QSprRender::cursorChanged, this, [this, r](const QPoint &p) {
+            m_registry.layout().setStatusText(PositionField, tr("Position: %1, %2")
+                                                                 .arg(qFloor(p.x() / r->zoom()))
+                                                                 .arg(qFloor(p.y() / r->zoom())));
+        });
+    }
 }
 
 void QSpritesEditor::detachStore()
