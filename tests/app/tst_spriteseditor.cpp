@@ -242,6 +242,17 @@ private slots:
         QCOMPARE(s->count(), 10);
         QVERIFY(!s->image(2).isNull());
 
+        // A new picture for a sprite keeps its place and info; undo brings the old one back.
+        m_fileAnswers << writeImages(1, QStringLiteral("replace")).first();
+        editor()->definePos(0);
+        const quint32 oldSize = s->spriteSize(0);
+        const QSpriteInfo oldInfo = s->item(0)->info;
+        trigger("spr_openimg");
+        QCOMPARE(s->spriteSize(0), quint32(30) << 16 | quint32(20));
+        QCOMPARE(s->item(0)->info.number, oldInfo.number);
+        trigger("edit_undo");
+        QCOMPARE(s->spriteSize(0), oldSize);
+
         // Renaming and deleting a group go through their dialogs.
         m_dialog = [](QDialog *d) { d->findChild<QSpinBox *>("newGroup")->setValue(9); };
         trigger("spr_rename_grp");
