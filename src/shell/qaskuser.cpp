@@ -56,6 +56,14 @@ QString QAskUser::openFileName(QWidget *parent, const QString &caption, const QS
     return QFileDialog::getOpenFileName(parent, caption, folder, filter);
 }
 
+QStringList QAskUser::openFileNames(QWidget *parent, const QString &caption, const QString &folder,
+                                    const QString &filter)
+{
+    if (fileHandler())
+        return fileHandler()(OpenFiles, caption, folder, filter).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+    return QFileDialog::getOpenFileNames(parent, caption, folder, filter);
+}
+
 QString QAskUser::saveFileName(QWidget *parent, const QString &caption, const QString &folder,
                                const QString &filter)
 {

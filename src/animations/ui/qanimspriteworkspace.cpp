@@ -2,6 +2,8 @@
 
 #include "animations/ui/qoglrenderwidget.h"
 #include "animations/ui/qrenderwidget.h"
+#include "shell/qaction2.h"
+#include "shell/qactionmanager.h"
 #include "shell/qappobjects.h"
 #include "shell/qcolorsetmanager.h"
 #include "base/qmugenmodel.h"
@@ -13,6 +15,7 @@
 #include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QMenu>
 #include <QToolBar>
 #include <QToolButton>
 #include <QVBoxLayout>
@@ -328,4 +331,26 @@ void QAnimSpriteWorkspace::zoomIn()
 void QAnimSpriteWorkspace::extraCrossClosed()
 {
     action(QStringLiteral("view_extra_cross"))->setChecked(false);
+}
+
+// --- the view actions in the menu and the shortcut list ---------------------
+
+void QAnimSpriteWorkspace::registerViewActions(QActionManager &manager, QMenu *menu)
+{
+    // The stage serves the sprites editor (1) and the animations editor (2).
+    const QList<int> scopes{1, 2, -1};
+    if (menu)
+        menu->addSeparator();
+    for (QAction *a : std::as_const(m_actionList)) {
+        QAction2 *twin = manager.addAction(scopes, a->objectName(), m_captions.value(a), a->isCheckable());
+        if (a->isCheckable()) {
+            twin->setChecked(a->isChecked());
+            connect(twin, &QAction::toggled, a, &QAction::setChecked);
+            connect(a, &QAction::toggled, twin, &QAction::setChecked);
+        } else {
+            connect(twin, &QAction::triggered, a, &QAction::trigger);
+        }
+        if (menu)
+            menu->addAction(twin);
+    }
 }

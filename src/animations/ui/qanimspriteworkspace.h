@@ -6,7 +6,9 @@
 #include <QList>
 
 class QAction;
+class QActionManager;
 class QLabel;
+class QMenu;
 class QSprRender;
 class QToolButton;
 
@@ -41,6 +43,10 @@ public:
     // The view actions by key (view_zoomin, view_rulers ...), in menu order.
     QAction *action(const QString &key) const { return m_actions.value(key); }
     const QList<QAction *> &viewActions() const { return m_actionList; }
+    // Gives each view action a twin in the action manager, for the sprites and
+    // animations editors, so that it can carry a shortcut and stand in `menu`
+    // (which may be null). Twin and action keep one check state.
+    void registerViewActions(QActionManager &manager, QMenu *menu);
 
     // The stage as each editor uses it: sprite mode for the sprites editor,
     // animation mode for the animations editor, an inert sprite stage for the

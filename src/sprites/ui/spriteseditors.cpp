@@ -10,8 +10,7 @@
 
 void registerSpriteEditors(QEditorRegistry &registry, const QAppObjects &objects)
 {
-    Q_UNUSED(objects);
-    registry.addEditor(std::make_unique<QSpritesEditor>());
+    registry.addEditor(std::make_unique<QSpritesEditor>(registry, objects));
     registry.addExtraEditor(std::make_unique<QOrganizerEditor>());
     registry.addExtraEditor(std::make_unique<QPalettesEditor>());
     registry.addExtraEditor(std::make_unique<QThumbnailsEditor>());
