@@ -194,34 +194,6 @@ private slots:
         QCOMPARE(back.description, QStringLiteral("still here"));
     }
 
-    void keptSeedsRead()
-    {
-        // The fuzz seeds were made by hand to the format: the reader must agree.
-        const QString dir = QStringLiteral(BF_SOURCE_DIR "/fuzz/corpus/bugreport/");
-        for (const char *name : {"seed_noflags", "seed_allflags", "seed_someflags"}) {
-            QFile f(dir + name);
-            if (!f.open(QIODevice::ReadOnly))
-                QSKIP("fuzz seeds not found");
-            struct Anim : QBugReportSection {
-                void writeBugReport(QDataStream &) const override {}
-                bool readBugReport(QDataStream &in) override
-                {
-                    QString name, text;
-                    qint32 count = 0, a = 0, b = 0;
-                    in >> name >> count;
-                    for (int i = 0; i < count; ++i)
-                        in >> text >> a >> b;
-                    return in.status() == QDataStream::Ok && name == QStringLiteral("kfm");
-                }
-            } anim;
-            QBugReport r;
-            QString error;
-            QVERIFY2(r.read(f, &anim, &error), name);
-            QVERIFY(f.atEnd());
-            QVERIFY(!r.description.isEmpty());
-        }
-    }
-
     void processLog()
     {
         const QString path = m_dir.filePath("proc/log.txt");

@@ -11,6 +11,7 @@
 #include "base/qmessages.h"
 #include "project/qanimationsfile.h"
 #include "project/qproject.h"
+#include "testsupport.h"
 
 #include <QBuffer>
 #include <QClipboard>
@@ -21,17 +22,8 @@
 
 namespace {
 
-QByteArray readAll(const QString &path)
-{
-    QFile f(path);
-    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
-}
-
-bool writeAll(const QString &path, const QByteArray &bytes)
-{
-    QFile f(path);
-    return f.open(QIODevice::WriteOnly) && f.write(bytes) == bytes.size();
-}
+using TestSupport::readAll;
+using TestSupport::writeAll;
 
 // "kind text" lines of the errors and warnings, in order.
 QStringList issues(const QMessages &messages)
