@@ -12,6 +12,8 @@
 #include "shell/qeditorregistry.h"
 
 #include <QAction>
+#include <QDir>
+#include <QScrollBar>
 #include <QFile>
 #include <QMouseEvent>
 #include <QPlainTextEdit>
@@ -83,6 +85,7 @@ private slots:
     void frameToolsAndUndo();
     void boxesDrawnOnTheStage();
     void textViewAndGif();
+    void screenshots();
 
 private:
     // A new action at the end, from text; returns its row.
@@ -292,6 +295,44 @@ void TestAnimationsEditor::textViewAndGif()
     messages.clear();
     editor->find(QStringLiteral("no such name at all"), {});
     QCOMPARE(messages, QStringList{QStringLiteral("No animation found!")});
+}
+
+// With BF_SCREENSHOT_DIR set: the tab mid-play with boxes, the text view,
+// and the stand as a GIF, for the README.
+void TestAnimationsEditor::screenshots()
+{
+    const QString shots = qEnvironmentVariable("BF_SCREENSHOT_DIR");
+    if (shots.isEmpty())
+        QSKIP("BF_SCREENSHOT_DIR is not set");
+    QDir().mkpath(shots);
+    QWidget *window = root->window();
+    window->resize(1280, 860);
+    window->show();
+    QVERIFY(QTest::qWaitForWindowExposed(window));
+    QAnimations *store = editor->store();
+    int punch = 0;
+    for (int i = 0; i < store->count(); ++i)
+        if (store->action(i)->number == 200)
+            punch = i;
+    editor->selPosChanged(punch);
+    editor->renderer()->setZoomIndex(3);
+    editor->renderer()->setOrigin(editor->renderer()->size().width() / 2, editor->renderer()->size().height() * 4 / 5);
+    now = 0;
+    editor->playChanged(true);
+    now = 15 * 3 + 1;
+    editor->playTimeOut();
+    QTest::qWait(50);
+    window->grab().save(QDir(shots).filePath(QStringLiteral("animations-play.png")));
+    editor->forceStop();
+    editor->selPosChanged(0);
+    editor->action(QStringLiteral("air_text_full"))->trigger();
+    QTest::qWait(50);
+    window->grab().save(QDir(shots).filePath(QStringLiteral("animations-text.png")));
+    editor->action(QStringLiteral("air_text_full"))->trigger();
+    editor->selPosChanged(0);
+    fileAnswer = QDir(shots).filePath(QStringLiteral("kfm-stand.gif"));
+    editor->saveGIF();
+    QVERIFY(QFile::exists(fileAnswer));
 }
 
 QTEST_MAIN(TestAnimationsEditor)

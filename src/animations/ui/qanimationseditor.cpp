@@ -17,6 +17,7 @@
 #include "shell/qinterfacecontrolwidget.h"
 
 #include <QComboBox>
+#include <QDoubleSpinBox>
 #include <QDialog>
 #include <QDialogButtonBox>
 #include <QElapsedTimer>
@@ -33,6 +34,8 @@
 #include <QRegularExpression>
 #include <QScrollBar>
 #include <QSpinBox>
+#include <QTextBlock>
+#include <QTextCursor>
 #include <QTimer>
 #include <QToolButton>
 #include <QUndoStack>
@@ -319,6 +322,10 @@ void QAnimationsEditor::setupPanel()
 
     if (auto *list = qobject_cast<QListView *>(controlWidget(QStringLiteral("air_sel"))))
         list->setUniformItemSizes(true);
+    for (const char *name : {"air_frame_xscale", "air_frame_yscale", "air_frame_angle"}) {
+        if (auto *spin = qobject_cast<QDoubleSpinBox *>(controlWidget(QString::fromLatin1(name))))
+            spin->setDecimals(2);
+    }
     for (const char *name : {"air_frame_grp", "air_frame_num", "air_frame_xaxis", "air_frame_yaxis",
                              "air_frame_time", "air_frame_transsrc", "air_frame_transdst", "air_number"}) {
         if (auto *spin = qobject_cast<QSpinBox *>(controlWidget(QString::fromLatin1(name))))
@@ -525,6 +532,22 @@ void QAnimationsEditor::refreshText()
     const int scroll = m_text->verticalScrollBar()->value();
     m_text->setPlainText(text);
     m_text->verticalScrollBar()->setValue(scroll);
+    if (m_fullText && m_anim >= 0) {
+        // The whole file opens at the current action: the actions are written
+        // in order, so its header is the one of the same rank.
+        const QString header = QStringLiteral("[Begin Action ");
+        qsizetype at = -1;
+        for (int i = 0; i <= m_anim; ++i) {
+            at = text.indexOf(header, at + 1, Qt::CaseInsensitive);
+            if (at < 0)
+                break;
+        }
+        if (at >= 0) {
+            QTextCursor cursor(m_text->document()->findBlock(int(at)));
+            m_text->setTextCursor(cursor);
+            m_text->verticalScrollBar()->setValue(cursor.blockNumber());
+        }
+    }
     m_textUpdating = false;
 }
 
