@@ -85,7 +85,9 @@ void QAppRoot::registerEditors()
     registerCodeEditors(registry, m_objects);
     registerSpriteEditors(registry, m_objects);
     // The animations' text views are the program's code widget.
-    registerAnimationEditors(registry, m_objects, [](QWidget *parent) { return new QTextEditor(parent); });
+    registerAnimationEditors(
+        registry, m_objects, [](QWidget *parent) { return new QTextEditor(parent); },
+        [controller = m_controller] { return controller->projects(); });
     registerSoundEditors(registry, m_objects);
     registerDocsEditors(registry, m_objects);
 }

@@ -206,6 +206,24 @@ void TestAnimationsEditor::frameToolsAndUndo()
     QCOMPARE(editor->currentAction(), row + 1);
     editor->del();
     QCOMPARE(store->count(), count);
+
+    // Import: copies with their boxes, one step; never from the project itself.
+    QAnimations other;
+    other.loadText(QStringLiteral("[Begin Action 8000]\nClsn1: 1\n Clsn1[0] = 1, 2, 3, 4\n0,0, 0,0, 5\n"
+                                  "[Begin Action 8001]\n0,1, 0,0, 6, V\n"),
+                   QStringLiteral("other.air"), false);
+    QCOMPARE(editor->importFrom(other, {0, 1}), 2);
+    QCOMPARE(store->count(), count + 2);
+    QCOMPARE(store->actionText(count), other.actionText(0));
+    QCOMPARE(store->actionText(count + 1), other.actionText(1));
+    editor->undo();
+    QCOMPARE(store->count(), count);
+    QAskUser::setDialogHandler([](QDialog *) { return int(QDialog::Accepted); });
+    messages.clear();
+    editor->projImport();
+    QAskUser::setDialogHandler([](QDialog *) { return int(QDialog::Rejected); });
+    QCOMPARE(messages, QStringList{QStringLiteral("You can't import from the destination project!")});
+    QCOMPARE(store->count(), count);
 }
 
 void TestAnimationsEditor::boxesDrawnOnTheStage()

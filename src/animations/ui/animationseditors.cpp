@@ -7,8 +7,11 @@
 #include <memory>
 
 void registerAnimationEditors(QEditorRegistry &registry, const QAppObjects &objects,
-                              std::function<QPlainTextEdit *(QWidget *)> textViews)
+                              std::function<QPlainTextEdit *(QWidget *)> textViews,
+                              std::function<QList<QProject *>()> openProjects)
 {
     registry.addWorkspace(std::make_unique<QAnimSpriteWorkspace>(objects));
-    registry.addEditor(std::make_unique<QAnimationsEditor>(objects, &registry, std::move(textViews)));
+    auto editor = std::make_unique<QAnimationsEditor>(objects, &registry, std::move(textViews));
+    editor->setOpenProjects(std::move(openProjects));
+    registry.addEditor(std::move(editor));
 }

@@ -226,6 +226,8 @@ void QAnimationsEditor::setupPanel()
     addAction(QStringLiteral("air_clsn_default"), 161, false, SLOT(clsnSwDef()));
     addAction(QStringLiteral("air_clsn_prev"), 162, false, SLOT(clsnPrev()));
     addAction(QStringLiteral("air_clsn_allinst"), 163, false, SLOT(clsnAllInst()));
+    m_menu->addSeparator();
+    addAction(QStringLiteral("air_import_proj"), 164, false, SLOT(projImport()));
 
     using T = QInterfaceControlWidgetBase;
     addControl(QStringLiteral("air_sel"), T::ListView, 136, nullptr, nullptr);
@@ -1192,6 +1194,91 @@ void QAnimationsEditor::frameAlign()
         align(rows, mode->currentIndex(), xVal->value(), yVal->value());
     });
     QAskUser::exec(&dialog);
+}
+
+int QAnimationsEditor::importFrom(const QAnimations &source, const QList<int> &rows)
+{
+    QAnimations *s = store();
+    if (!s || s == &source)
+        return 0;
+    forceStop();
+    int imported = 0;
+    beginEdit();
+    for (int row : rows) {
+        const AnimAction *a = source.action(row);
+        if (!a)
+            continue;
+        // Through the store's own edits, so that the copy is built like any new action.
+        const int at = s->count();
+        s->insert(at);
+        s->setAction(at, a->name, a->number);
+        s->clearFrames(at);
+        for (int i = 0; i < a->frames.size(); ++i) {
+            s->addFrame(at);
+            s->setFrame(at, i, source.frame(row, i));
+            for (int t = 0; t < 4; ++t)
+                *s->clsnList(at, i, t) = *source.clsnList(row, i, t);
+        }
+        ++imported;
+    }
+    if (imported)
+        s->clsnChanged();
+    commit(tr("Import animations"), NoMerge, false);
+    if (imported)
+        showAction(s->count() - imported);
+    return imported;
+}
+
+void QAnimationsEditor::projImport()
+{
+    QAnimations *s = store();
+    if (!s || !m_openProjects)
+        return;
+    forceStop();
+    const QList<QProject *> projects = m_openProjects();
+    QDialog dialog(dialogParent());
+    dialog.setObjectName(QStringLiteral("TabImport"));
+    dialog.setWindowTitle(tr("Animation"));
+    auto *layout = new QVBoxLayout(&dialog);
+    auto *from = new QComboBox(&dialog);
+    from->setObjectName(QStringLiteral("project"));
+    for (QProject *p : projects)
+        from->addItem(p->name());
+    auto *list = new QListWidget(&dialog);
+    list->setObjectName(QStringLiteral("actions"));
+    list->setSelectionMode(QAbstractItemView::ExtendedSelection);
+    const auto fill = [list, projects](int index) {
+        list->clear();
+        QAnimations *source = index >= 0 && index < projects.size() ? projects.at(index)->animations() : nullptr;
+        for (int i = 0; source && i < source->count(); ++i)
+            list->addItem(source->data(source->index(i)).toString());
+    };
+    connect(from, &QComboBox::currentIndexChanged, list, fill);
+    // Start on another project than this one when there is one.
+    from->setCurrentIndex(projects.size() > 1 && projects.first() == m_project ? 1 : 0);
+    fill(from->currentIndex());
+    layout->addWidget(from);
+    layout->addWidget(list);
+    auto *buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, &dialog);
+    connect(buttons, &QDialogButtonBox::accepted, &dialog, &QDialog::accept);
+    connect(buttons, &QDialogButtonBox::rejected, &dialog, &QDialog::reject);
+    layout->addWidget(buttons);
+    if (QAskUser::exec(&dialog) != QDialog::Accepted || from->currentIndex() < 0)
+        return;
+    QProject *source = projects.value(from->currentIndex());
+    if (!source)
+        return;
+    if (source == m_project) {
+        QAskUser::warning(dialogParent(), tr("Warning"), tr("You can't import from the destination project!"));
+        return;
+    }
+    QList<int> rows;
+    for (int i = 0; i < list->count(); ++i)
+        if (list->item(i)->isSelected())
+            rows << i;
+    const int n = importFrom(*source->animations(), rows);
+    QAskUser::message(dialogParent(), QMessageBox::Information, tr("Import"),
+                      n ? tr("%n animation(s) were imported!", nullptr, n) : tr("No animation imported!"));
 }
 
 // ------------------------------------------------------------------ play

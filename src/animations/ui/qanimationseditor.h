@@ -73,12 +73,17 @@ public:
     QString positionText() const { return m_posText; }
     QString framePositionText() const { return m_framePosText; }
     void setClock(Clock clock);
+    // The projects open at the moment, for the import of actions.
+    void setOpenProjects(std::function<QList<QProject *>()> projects) { m_openProjects = std::move(projects); }
     QAction *action(const QString &key) const;
 
     // The Alignment tool's modes.
     enum AlignMode { AlignOffset = 0, AlignClsnOffset, AlignClsnTopLeft, AlignClsnBottomRight, AlignClsnScale };
     // Applies a mode to every frame of the given actions, as one undo step.
     void align(const QList<int> &actions, int mode, int x, int y);
+    // Copies actions `rows` of `source` to the end of the current store, as
+    // one undo step; returns how many came.
+    int importFrom(const QAnimations &source, const QList<int> &rows);
 
 signals:
     void enabled(bool);
@@ -148,6 +153,7 @@ public slots:
     void clsnSwDef();
     void clsnPrev();
     void clsnAllInst();
+    void projImport();
     void selPosChanged(int row);
     void numChanged(int value);
     void nameChanged(const QString &value);
@@ -204,6 +210,7 @@ private:
     QMugenModel *m_config = nullptr;
     QEditorRegistry *m_registry = nullptr;
     TextViewFactory m_textViews;
+    std::function<QList<QProject *>()> m_openProjects;
     QMenu *m_menu = nullptr;
     QHash<QString, QAction2 *> m_actions;
     QStringList m_frameControls;
