@@ -394,8 +394,9 @@ ExitCode gif(const QStringList &words)
         return ExitCode::Failure;
     }
     GifWriter writer;
-    if (!AnimationGif::build(store, opened.project.sprites(), opened.row, &writer)) {
-        Console::fail(QStringLiteral("action %1: no frame shows a sprite of the project").arg(start.args.positional().at(1)));
+    QString why;
+    if (!AnimationGif::build(store, opened.project.sprites(), opened.row, &writer, &why)) {
+        Console::fail(QStringLiteral("action %1: %2").arg(start.args.positional().at(1), why));
         return ExitCode::Failure;
     }
     QString error;

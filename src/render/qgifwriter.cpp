@@ -235,24 +235,28 @@ bool GifWriter::save(const QString &path, QString *error) const
 
 namespace AnimationGif {
 
-bool build(const QAnimations &store, const QSprites *sprites, int anim, GifWriter *out)
+bool build(const QAnimations &store, const QSprites *sprites, int anim, GifWriter *out, QString *why)
 {
     const AnimAction *action = store.action(anim);
-    if (!action || action->frames.isEmpty() || !sprites || !out)
+    if (!action || action->frames.isEmpty() || !sprites || !out) {
+        if (why)
+            *why = QStringLiteral("the animation has no frame");
         return false;
+    }
     *out = GifWriter();
 
     struct Placed
     {
         const AnimFrame *frame;
         QImage image;
-        int ax, ay;
+        qint64 ax, ay;
     };
     QList<Placed> placed;
     bool anyLoop = false;
     bool samePalette = true;
     QList<QRgb> firstTable;
-    int maxLeft = 0, maxTop = 0, maxRight = 0, maxBottom = 0;
+    // 64 bits: offsets are whatever the file says.
+    qint64 maxLeft = 0, maxTop = 0, maxRight = 0, maxBottom = 0;
     for (const AnimFrame *f : action->frames) {
         const int index = f->group < 0 ? -1 : sprites->findSprite(0, f->group, f->number);
         if (index < 0)
@@ -264,7 +268,7 @@ bool build(const QAnimations &store, const QSprites *sprites, int anim, GifWrite
             image = image.convertToFormat(QImage::Format_Indexed8);
         anyLoop = anyLoop || f->loopstart;
         const QSpriteInfo &info = sprites->item(index)->info;
-        int ax = info.x, ay = info.y;
+        qint64 ax = info.x, ay = info.y;
         if (f->flip & AnimFrame::FlipH)
             ax = image.width() - 1 - ax;
         if (f->flip & AnimFrame::FlipV)
@@ -278,16 +282,26 @@ bool build(const QAnimations &store, const QSprites *sprites, int anim, GifWrite
             samePalette = table == firstTable;
         maxLeft = qMax(maxLeft, ax);
         maxTop = qMax(maxTop, ay);
-        maxRight = qMax(maxRight, image.width() - ax);
-        maxBottom = qMax(maxBottom, image.height() - ay);
+        maxRight = qMax(maxRight, qint64(image.width()) - ax);
+        maxBottom = qMax(maxBottom, qint64(image.height()) - ay);
         if (f->flip)
             image = image.mirrored(f->flip & AnimFrame::FlipH, f->flip & AnimFrame::FlipV);
         placed.append({f, image, ax, ay});
     }
-    if (placed.isEmpty())
+    if (placed.isEmpty()) {
+        if (why)
+            *why = QStringLiteral("no frame of the animation shows a sprite");
         return false;
-    out->width = qint16(qMin(maxLeft + maxRight, 32767));
-    out->height = qint16(qMin(maxTop + maxBottom, 32767));
+    }
+    if (maxLeft + maxRight > 32767 || maxTop + maxBottom > 32767) {
+        if (why)
+            *why = QStringLiteral("the frames spread over %1 x %2 pixels, more than a GIF can hold")
+                       .arg(maxLeft + maxRight)
+                       .arg(maxTop + maxBottom);
+        return false;
+    }
+    out->width = qint16(maxLeft + maxRight);
+    out->height = qint16(maxTop + maxBottom);
     if (samePalette)
         out->globalPalette = firstTable;
     for (qsizetype i = 0; i < placed.size(); ++i) {

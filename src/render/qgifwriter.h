@@ -49,8 +49,9 @@ namespace AnimationGif {
 // The writer for action `anim` of the store: the canvas that holds every
 // frame on a common axis, a global table when all sprites share their
 // colours, loop blocks before each Loopstart frame (or the first frame when
-// there is none). Frames whose sprite is missing are left out. False when
-// the action is missing or has no frame.
-bool build(const QAnimations &store, const QSprites *sprites, int anim, GifWriter *out);
+// there is none). Frames whose sprite is missing are left out. False, with
+// the reason in `why`, when no frame shows a sprite or the frames spread
+// wider than a GIF can hold.
+bool build(const QAnimations &store, const QSprites *sprites, int anim, GifWriter *out, QString *why = nullptr);
 
 } // namespace AnimationGif

@@ -224,8 +224,17 @@ void TestGif::layoutOfTheFile()
     // Without a Loopstart the loop block opens the file.
     QVERIFY(g.images.at(0).loopBefore && !g.images.at(1).loopBefore);
 
+    // Nothing to show, or more than a GIF can hold: refused with the reason.
     GifWriter none;
-    QVERIFY(!AnimationGif::build(store, &sprites, 2, &none));
+    QString why;
+    QVERIFY(!AnimationGif::build(store, &sprites, 2, &none, &why));
+    QVERIFY(!why.isEmpty());
+    QAnimations far;
+    far.loadText(QStringLiteral("[Begin Action 1]\n0,0, -2147483647,0, 1\n0,0, 2147483647,0, 1\n"), QStringLiteral("f.air"),
+                 false);
+    why.clear();
+    QVERIFY(!AnimationGif::build(far, &sprites, 0, &none, &why));
+    QVERIFY2(why.contains(QLatin1String("more than a GIF can hold")), qPrintable(why));
 
     // A failed save leaves the old file as it was.
     QTemporaryDir dir;

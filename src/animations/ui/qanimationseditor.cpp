@@ -1530,10 +1530,9 @@ void QAnimationsEditor::saveGIF()
     if (m_config)
         m_config->map.insert(QStringLiteral("gif_path"), QFileInfo(path).absolutePath());
     GifWriter gif;
-    if (!AnimationGif::build(*s, m_project->sprites(), m_anim, &gif)) {
-        QAskUser::warning(dialogParent(), tr("Warning"),
-                          tr("No frame of the animation shows a sprite of the project: nothing to save in '%1'.")
-                              .arg(path));
+    QString why;
+    if (!AnimationGif::build(*s, m_project->sprites(), m_anim, &gif, &why)) {
+        QAskUser::warning(dialogParent(), tr("Warning"), tr("Cannot save '%1': %2.").arg(path, why));
         return;
     }
     QString error;
