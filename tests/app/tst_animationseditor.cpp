@@ -348,6 +348,16 @@ void TestAnimationsEditor::screenshots()
     window->grab().save(QDir(shots).filePath(QStringLiteral("animations-text.png")));
     editor->action(QStringLiteral("air_text_full"))->trigger();
     editor->selPosChanged(0);
+    // The dialogs, as they open.
+    QAskUser::setDialogHandler([shots](QDialog *dialog) {
+        dialog->show();
+        QTest::qWait(50);
+        dialog->grab().save(QDir(shots).filePath(dialog->objectName() + QStringLiteral(".png")));
+        return int(QDialog::Rejected);
+    });
+    editor->frameAlign();
+    editor->editText();
+    QAskUser::setDialogHandler([](QDialog *) { return int(QDialog::Rejected); });
     fileAnswer = QDir(shots).filePath(QStringLiteral("kfm-stand.gif"));
     editor->saveGIF();
     QVERIFY(QFile::exists(fileAnswer));

@@ -403,6 +403,9 @@ void QAnimationsEditor::setProject(QProject *project)
     if (project == m_project)
         return;
     forceStop();
+    // Typing not yet read back belongs to the project it was typed in.
+    if (m_textApply->isActive() && m_text)
+        updateFromText(m_text->toPlainText());
     if (QAnimations *old = store())
         disconnect(old, nullptr, this, nullptr);
     QInterfaceEditor::setProject(project);
