@@ -9,6 +9,7 @@
 #include "code/qsyntaxproperties.h"
 #include "code/syntaxformats.h"
 #include "code/ui/codeeditors.h"
+#include "code/ui/qtexteditor.h"
 #include "docs/ui/docseditors.h"
 #include "scripting/qscriptmanager.h"
 #include "scripting/qsnippetmanager.h"
@@ -83,7 +84,10 @@ void QAppRoot::registerEditors()
     QEditorRegistry &registry = m_controller->registry();
     registerCodeEditors(registry, m_objects);
     registerSpriteEditors(registry, m_objects);
-    registerAnimationEditors(registry, m_objects);
+    // The animations' text views are the program's code widget.
+    registerAnimationEditors(
+        registry, m_objects, [](QWidget *parent) { return new QTextEditor(parent); },
+        [controller = m_controller] { return controller->projects(); });
     registerSoundEditors(registry, m_objects);
     registerDocsEditors(registry, m_objects);
 }

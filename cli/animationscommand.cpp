@@ -10,6 +10,9 @@
 #include "project/qanimationsfile.h"
 #include "project/qdefanimations.h"
 #include "project/qproject.h"
+#include "progressmeter.h"
+#include "render/qanimationframe.h"
+#include "render/qgifwriter.h"
 
 #include <QDir>
 #include <QFile>
@@ -24,7 +27,7 @@ namespace AnimationsCommand {
 ExitCode run(const QStringList &words)
 {
     return runSubcommand(words, Usage::Topic::Animations, QStringLiteral("animations"),
-                         {{"info", info}, {"convert", convert}});
+                         {{"info", info}, {"convert", convert}, {"gif", gif}, {"render", render}});
 }
 
 namespace {
@@ -303,6 +306,146 @@ ExitCode convert(const QStringList &words)
         return ExitCode::Failure;
     }
     return issues ? ExitCode::Issues : ExitCode::Ok;
+}
+
+namespace {
+
+// The project of FILE.def opened as the program opens it, and the row of
+// action number ACTION in its animations.
+struct Opened
+{
+    QProject project;
+    int row = -1;
+    int issues = 0;
+};
+
+bool openAction(Usage::Topic topic, const QString &input, const QString &actionText, Opened *opened,
+                ExitCode *failure)
+{
+    bool ok = false;
+    const int number = actionText.toInt(&ok);
+    if (!ok) {
+        *failure = usageError(topic, QStringLiteral("'%1' is not an action number").arg(actionText));
+        return false;
+    }
+    const QFileInfo info(input);
+    if (!info.isFile() || !isDefinitions(input)) {
+        Console::fail(info.exists() && !info.isDir()
+                          ? QStringLiteral("'%1': not a definition file (DEF)").arg(QDir::toNativeSeparators(input))
+                          : QStringLiteral("'%1': no such file").arg(QDir::toNativeSeparators(input)));
+        *failure = ExitCode::Failure;
+        return false;
+    }
+    ProgressMeter meter(QStringLiteral("Opening %1").arg(info.fileName()));
+    QObject::connect(&opened->project, &QProject::progress, &meter, &ProgressMeter::update);
+    const bool loaded = opened->project.fromFile(input, 0, false, false);
+    meter.finish();
+    opened->issues = Console::printIssues(*opened->project.messages(), info.fileName());
+    if (!loaded) {
+        Console::fail(QStringLiteral("'%1': cannot be opened as a project").arg(QDir::toNativeSeparators(input)));
+        *failure = ExitCode::Failure;
+        return false;
+    }
+    const QAnimations &store = *opened->project.animations();
+    for (int i = 0; i < store.count(); ++i) {
+        if (store.action(i)->number == number) {
+            opened->row = i;
+            return true;
+        }
+    }
+    Console::fail(QStringLiteral("'%1': no action %2").arg(QDir::toNativeSeparators(input)).arg(number));
+    *failure = ExitCode::Failure;
+    return false;
+}
+
+bool checkOutput(const QString &output)
+{
+    const QFileInfo target(output);
+    if (target.isDir()) {
+        Console::fail(QStringLiteral("'%1' is a folder, not a file name").arg(QDir::toNativeSeparators(output)));
+        return false;
+    }
+    if (!target.absoluteDir().exists()) {
+        Console::fail(QStringLiteral("cannot write '%1': its folder does not exist").arg(QDir::toNativeSeparators(output)));
+        return false;
+    }
+    return true;
+}
+
+} // namespace
+
+ExitCode gif(const QStringList &words)
+{
+    CommandStart start = startCommand(words, Usage::Topic::AnimationsGif, {},
+                                      {QStringLiteral("FILE.def"), QStringLiteral("ACTION"), QStringLiteral("OUT.gif")});
+    if (start.finished)
+        return *start.finished;
+    const QString output = start.args.positional().at(2);
+    if (!checkOutput(output))
+        return ExitCode::Failure;
+    Opened opened;
+    ExitCode failure = ExitCode::Failure;
+    if (!openAction(Usage::Topic::AnimationsGif, start.args.positional().at(0), start.args.positional().at(1), &opened,
+                    &failure))
+        return failure;
+    const QAnimations &store = *opened.project.animations();
+    if (store.frameCount(opened.row) == 0) {
+        Console::fail(QStringLiteral("You can't save an empty animation as GIF."));
+        return ExitCode::Failure;
+    }
+    GifWriter writer;
+    QString why;
+    if (!AnimationGif::build(store, opened.project.sprites(), opened.row, &writer, &why)) {
+        Console::fail(QStringLiteral("action %1: %2").arg(start.args.positional().at(1), why));
+        return ExitCode::Failure;
+    }
+    QString error;
+    if (!writer.save(output, &error)) {
+        Console::fail(QStringLiteral("cannot write '%1': %2").arg(QDir::toNativeSeparators(output), error));
+        return ExitCode::Failure;
+    }
+    return opened.issues ? ExitCode::Issues : ExitCode::Ok;
+}
+
+ExitCode render(const QStringList &words)
+{
+    CommandStart start = startCommand(words, Usage::Topic::AnimationsRender,
+                                      {{QStringLiteral("frame"), true}, {QStringLiteral("boxes"), false}},
+                                      {QStringLiteral("FILE.def"), QStringLiteral("ACTION"), QStringLiteral("OUT.png")});
+    if (start.finished)
+        return *start.finished;
+    int frame = 0;
+    if (start.args.has(QStringLiteral("frame"))) {
+        bool ok = false;
+        frame = start.args.value(QStringLiteral("frame")).toInt(&ok);
+        if (!ok || frame < 0)
+            return usageError(Usage::Topic::AnimationsRender,
+                              QStringLiteral("'%1' is not a frame: write --frame K with K from 0")
+                                  .arg(start.args.value(QStringLiteral("frame"))));
+    }
+    const QString output = start.args.positional().at(2);
+    if (!checkOutput(output))
+        return ExitCode::Failure;
+    Opened opened;
+    ExitCode failure = ExitCode::Failure;
+    if (!openAction(Usage::Topic::AnimationsRender, start.args.positional().at(0), start.args.positional().at(1),
+                    &opened, &failure))
+        return failure;
+    QAnimations &store = *opened.project.animations();
+    const int frames = store.frameCount(opened.row);
+    if (frame >= frames) {
+        Console::fail(QStringLiteral("action %1 has %2 frame(s): there is no frame %3")
+                          .arg(start.args.positional().at(1)).arg(frames).arg(frame));
+        return ExitCode::Failure;
+    }
+    const QImage picture = QAnimationFrame::picture(store, opened.project.sprites(), opened.row, frame,
+                                                    start.args.has(QStringLiteral("boxes")));
+    QString error;
+    if (!AtomicWrite::writePng(output, picture, &error)) {
+        Console::fail(QStringLiteral("cannot write '%1': %2").arg(QDir::toNativeSeparators(output), error));
+        return ExitCode::Failure;
+    }
+    return opened.issues ? ExitCode::Issues : ExitCode::Ok;
 }
 
 } // namespace AnimationsCommand

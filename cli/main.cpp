@@ -47,7 +47,9 @@ int main(int argc, char **argv)
 {
     // Drawing text needs fonts, and fonts need the GUI application; no display
     // is used, so it runs on the offscreen platform unless told otherwise.
-    const bool draws = argc > 2 && qstrcmp(argv[1], "sprites") == 0 && qstrcmp(argv[2], "render") == 0;
+    const bool draws = argc > 2
+                       && ((qstrcmp(argv[1], "sprites") == 0 && qstrcmp(argv[2], "render") == 0)
+                           || (qstrcmp(argv[1], "animations") == 0 && qstrcmp(argv[2], "render") == 0));
     if (draws && !qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
     // The platform's own notes (a missing runtime folder and the like) are not

@@ -21,6 +21,8 @@ QString commandName(Topic topic)
     case Topic::Animations: return QStringLiteral("brawlforge-cli animations");
     case Topic::AnimationsInfo: return QStringLiteral("brawlforge-cli animations info");
     case Topic::AnimationsConvert: return QStringLiteral("brawlforge-cli animations convert");
+    case Topic::AnimationsGif: return QStringLiteral("brawlforge-cli animations gif");
+    case Topic::AnimationsRender: return QStringLiteral("brawlforge-cli animations render");
     }
     return QString();
 }
@@ -163,9 +165,12 @@ QString text(Topic topic)
         body = QStringLiteral(
             "Usage: brawlforge-cli animations info FILE.air|FILE.def [--json]\n"
             "       brawlforge-cli animations convert IN.air OUT.air\n"
+            "       brawlforge-cli animations gif FILE.def ACTION OUT.gif\n"
+            "       brawlforge-cli animations render FILE.def ACTION OUT.png [--frame K] [--boxes]\n"
             "\n"
-            "See 'brawlforge-cli animations info --help' and\n"
-            "'brawlforge-cli animations convert --help'.\n");
+            "See 'brawlforge-cli animations info --help',\n"
+            "'brawlforge-cli animations convert --help', 'brawlforge-cli animations gif --help'\n"
+            "and 'brawlforge-cli animations render --help'.\n");
         break;
     case Topic::AnimationsInfo:
         body = QStringLiteral(
@@ -191,6 +196,30 @@ QString text(Topic topic)
             "\n"
             "Options:\n"
             "  --json         print one JSON document instead of text\n");
+        break;
+    case Topic::AnimationsGif:
+        body = QStringLiteral(
+            "Usage: brawlforge-cli animations gif FILE.def ACTION OUT.gif\n"
+            "\n"
+            "Opens the project and writes action number ACTION as an animated GIF, as the\n"
+            "animations editor's \"Save as animated GIF\" does: every frame is its sprite\n"
+            "on a common canvas, colour 0 transparent, each frame cleared after it shows;\n"
+            "the delays are the frames' times at 60 ticks a second (a time of -1 shows\n"
+            "for 655.35 seconds), and the loop starts at the Loopstart frame. Frames\n"
+            "whose sprite is missing are left out. OUT.gif is replaced only once it is\n"
+            "completely written.\n");
+        break;
+    case Topic::AnimationsRender:
+        body = QStringLiteral(
+            "Usage: brawlforge-cli animations render FILE.def ACTION OUT.png [--frame K] [--boxes]\n"
+            "\n"
+            "Opens the project and draws frame K (0 by default) of action number ACTION\n"
+            "with the stage's own code into OUT.png: background, rulers, the animation\n"
+            "cross, and the frame with its offset, flip and blending, at 1:1.\n"
+            "\n"
+            "Options:\n"
+            "  --frame K      the frame to draw, from 0\n"
+            "  --boxes        draw the collision boxes in force in that frame\n");
         break;
     case Topic::AnimationsConvert:
         body = QStringLiteral(

@@ -176,6 +176,7 @@ private slots:
     void projectInfo();
     void renderSprites();
     void animationsOverSample();
+    void animationsGifAndRender();
 };
 
 void TestCli::initTestCase()
@@ -849,6 +850,53 @@ void TestCli::animationsOverSample()
     QCOMPARE(readAll(dir.filePath(QStringLiteral("keep.air"))), QByteArray("old"));
     EXPECT_EXIT(runTool({QStringLiteral("animations")}), 2);
     EXPECT_EXIT(runTool({QStringLiteral("animations"), QStringLiteral("info"), QStringLiteral("--help")}), 0);
+}
+
+void TestCli::animationsGifAndRender()
+{
+    BF_REQUIRE_SAMPLE();
+    const QString def = TestSupport::samplePath(QStringLiteral("chars/kfm/kfm.def"));
+    QTemporaryDir dir;
+    QVERIFY(dir.isValid());
+    // The stand as a GIF: one palette, so one global table; kfm's stand has 15 frames.
+    const QString gif = dir.filePath(QStringLiteral("stand.gif"));
+    Run r = runTool({QStringLiteral("animations"), QStringLiteral("gif"), def, QStringLiteral("0"), gif});
+    QVERIFY2(r.code == 0 || r.code == 1, r.err.constData());
+    const QByteArray bytes = readAll(gif);
+    QVERIFY(bytes.startsWith("GIF89a"));
+    QCOMPARE(quint8(bytes.at(10)), quint8(0xF7));
+    QCOMPARE(bytes.back(), char(0x3B));
+    QVERIFY(bytes.count("\x21\xF9\x04\x09") >= 10);
+
+    // A frame on the stage, with and without its boxes.
+    const QString plain = dir.filePath(QStringLiteral("plain.png"));
+    const QString boxed = dir.filePath(QStringLiteral("boxed.png"));
+    r = runTool({QStringLiteral("animations"), QStringLiteral("render"), def, QStringLiteral("0"), plain,
+                 QStringLiteral("--frame"), QStringLiteral("2")});
+    QVERIFY2(r.code == 0 || r.code == 1, r.err.constData());
+    r = runTool({QStringLiteral("animations"), QStringLiteral("render"), def, QStringLiteral("0"), boxed,
+                 QStringLiteral("--frame"), QStringLiteral("2"), QStringLiteral("--boxes")});
+    QVERIFY2(r.code == 0 || r.code == 1, r.err.constData());
+    const QImage a(plain), b(boxed);
+    QVERIFY(!a.isNull() && a.size() == b.size());
+    QVERIFY(a != b);
+
+    // Failures: no such action, frame or file; the output stays as it was.
+    const QList<QStringList> bad = {
+        {QStringLiteral("gif"), def, QStringLiteral("424242"), gif},
+        {QStringLiteral("gif"), def, QStringLiteral("stand"), gif},
+        {QStringLiteral("gif"), dir.filePath(QStringLiteral("none.def")), QStringLiteral("0"), gif},
+        {QStringLiteral("render"), def, QStringLiteral("0"), plain, QStringLiteral("--frame"), QStringLiteral("99")},
+        {QStringLiteral("render"), def, QStringLiteral("0"), dir.filePath(QStringLiteral("missing/x.png"))},
+    };
+    const QByteArray kept = readAll(plain);
+    for (const QStringList &args : bad) {
+        r = runTool(QStringList{QStringLiteral("animations")} + args);
+        EXPECT_EXIT(r, 2);
+        QVERIFY2(!r.err.isEmpty(), qPrintable(args.join(QLatin1Char(' '))));
+    }
+    QCOMPARE(readAll(gif), bytes);
+    QCOMPARE(readAll(plain), kept);
 }
 
 QTEST_GUILESS_MAIN(TestCli)

@@ -367,7 +367,7 @@ private slots:
     void shippedClassicPreset()
     {
         // The preset that ships lays out every editor's toolbar and the
-        // editor buttons; every key in it is a real action or control.
+        // editor buttons; every key in it is a real action or panel control.
         QMap<QString, QToolBarEntry> &entries = ui()->registry().toolbarEntries();
         m_root->objects().presets->setDpiOverride(96);
         QVERIFY(m_root->objects().presets->apply(ui()->registry(), "Classic", QString(), QString(), QString()));

@@ -10,11 +10,15 @@
 
 #include <memory>
 
-void registerAnimationEditors(QEditorRegistry &registry, const QAppObjects &objects)
+void registerAnimationEditors(QEditorRegistry &registry, const QAppObjects &objects,
+                              std::function<QPlainTextEdit *(QWidget *)> textViews,
+                              std::function<QList<QProject *>()> openProjects)
 {
     auto stage = std::make_unique<QAnimSpriteWorkspace>(objects);
     QMainWindow *window = registry.layout().window();
     stage->registerViewActions(registry.actionManager(), window ? window->findChild<QMenu *>(QStringLiteral("menuView")) : nullptr);
     registry.addWorkspace(std::move(stage));
-    registry.addEditor(std::make_unique<QAnimationsEditor>());
+    auto editor = std::make_unique<QAnimationsEditor>(objects, &registry, std::move(textViews));
+    editor->setOpenProjects(std::move(openProjects));
+    registry.addEditor(std::move(editor));
 }

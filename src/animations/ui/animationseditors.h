@@ -1,8 +1,20 @@
 #pragma once
 
+#include <QList>
+
+#include <functional>
+
 class QEditorRegistry;
+class QProject;
+class QPlainTextEdit;
+class QWidget;
 struct QAppObjects;
 
 // The stage workspace that sprites, animations and sounds share, and the
-// animations editor.
-void registerAnimationEditors(QEditorRegistry &registry, const QAppObjects &objects);
+// animations editor. `textViews` makes the text widget of the animations'
+// text views (the code widget lives in a layer of its own); without it they
+// are plain text boxes. `openProjects` lists the projects open at the moment,
+// for the import of actions from one into another.
+void registerAnimationEditors(QEditorRegistry &registry, const QAppObjects &objects,
+                              std::function<QPlainTextEdit *(QWidget *)> textViews = {},
+                              std::function<QList<QProject *>()> openProjects = {});

@@ -139,7 +139,34 @@ QAnimSpriteWorkspace::QAnimSpriteWorkspace(const QAppObjects &objects, QObject *
 
 QAnimSpriteWorkspace::~QAnimSpriteWorkspace()
 {
+    // The attached view belongs to its editor, which may outlive the page.
+    setAttachedView(nullptr, false);
     writeViewSettings();
+}
+
+void QAnimSpriteWorkspace::setAttachedView(QWidget *view, bool replacesStage)
+{
+    auto *layout = m_widget ? qobject_cast<QVBoxLayout *>(m_widget->layout()) : nullptr;
+    if (!layout)
+        return;
+    if (m_attached && m_attached != view) {
+        layout->removeWidget(m_attached);
+        m_attached->hide();
+        m_attached->setParent(nullptr);
+    }
+    m_attached = view;
+    m_host->setVisible(!view || !replacesStage);
+    if (!view)
+        return;
+    if (view->parent() != m_widget) {
+        view->setParent(m_widget);
+        // Under the stage, above the status row.
+        layout->insertWidget(layout->indexOf(m_host) + 1, view);
+    }
+    layout->setStretchFactor(view, replacesStage ? 1 : 0);
+    view->setMinimumHeight(replacesStage ? 0 : 120);
+    view->setMaximumHeight(replacesStage ? QWIDGETSIZE_MAX : 200);
+    view->show();
 }
 
 QAction *QAnimSpriteWorkspace::addAction(const QString &key, int captionId, bool checkable, bool checked)

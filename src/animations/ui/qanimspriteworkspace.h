@@ -4,6 +4,7 @@
 
 #include <QHash>
 #include <QList>
+#include <QPointer>
 
 class QAction;
 class QActionManager;
@@ -55,6 +56,12 @@ public:
     void showForAnimations();
     void showForSounds();
 
+    // A view of the current editor under the stage (the animation's text),
+    // or null for none; with `replacesStage` it takes the stage's place.
+    // The workspace never owns the view.
+    void setAttachedView(QWidget *view, bool replacesStage);
+    QWidget *attachedView() const { return m_attached; }
+
     // The selected boxes as Clsn text on the clipboard; false with none selected.
     bool copyClsn();
     // Clsn text on the clipboard, or an empty string (it must name a Clsn block).
@@ -92,4 +99,5 @@ private:
     QHash<QString, QAction *> m_actions;
     QList<QAction *> m_actionList;
     QHash<QAction *, int> m_captions;
+    QPointer<QWidget> m_attached;
 };
