@@ -3,6 +3,7 @@
 #include "code/qmugensyntaxchecker.h"
 #include "code/qmugensyntaxprocessor.h"
 #include "code/qsyntaxproperties.h"
+#include "code/qsyntaxtexteditor.h"
 #include "code/syntaxformats.h"
 #include "code/ui/qtexteditor.h"
 #include "testsupport.h"
@@ -244,6 +245,16 @@ private slots:
         QCOMPARE(trigger.layout()->formats().constFirst().format, formats.charFormat(QMugenSyntaxChecker::Keyword));
         processor->setReportErrors(false);
         QVERIFY(QTextEditorBlockData::issuesOf(foo).isEmpty());
+
+        // A project's document checks its M.U.G.E.N. text with its engine version.
+        QSyntaxTextEditor document;
+        document.setMugenSyntax(const_cast<QMugenSyntaxProperties *>(&syntax()), &formats);
+        document.setSyntax(QSyntaxTextEditor::Mugen);
+        document.setText(QString::fromLatin1(inState) + QStringLiteral("trigger2 = topedge"));
+        const QTextBlock top = document.document()->findBlockByNumber(4);
+        QVERIFY(QTextEditorBlockData::issuesOf(top).isEmpty());
+        document.setEngineVersion(0x01000000);
+        QCOMPARE(QTextEditorBlockData::issuesOf(top).size(), 1);
 
         const QString shots = qEnvironmentVariable("BF_SCREENSHOT_DIR");
         if (shots.isEmpty())
