@@ -121,7 +121,8 @@ void QMugenSyntaxChecker::next()
             put(d);
             ++m_pos;
         }
-    } else if (c == QLatin1Char('-') && !m_minusIsOperator && (isDigit(at(m_pos + 1)) || at(m_pos + 1) == QLatin1Char('.'))) {
+    } else if (c == QLatin1Char('-') && !m_minusIsOperator
+               && (isDigit(at(m_pos + 1)) || at(m_pos + 1) == QLatin1Char('.'))) {
         put(m_line[m_pos++]);
         if (at(m_pos) == QLatin1Char('.'))
             put(QLatin1Char('0'));
@@ -415,7 +416,9 @@ void QMugenSyntaxChecker::header()
                 }
             }
         } else if (w == QLatin1String("bg") || w == QLatin1String("bgctrl") || w == QLatin1String("bgctrldef")) {
-            m_state = w == QLatin1String("bg") ? BGSection : w == QLatin1String("bgctrl") ? BGCtrlSection : BGCtrlDefSection;
+            m_state = w == QLatin1String("bg")       ? BGSection
+                      : w == QLatin1String("bgctrl") ? BGCtrlSection
+                                                     : BGCtrlDefSection;
             skipTo(TRBracket);
             if (m_kind != TRBracket)
                 invalid();
@@ -525,7 +528,11 @@ void QMugenSyntaxChecker::typeLine(int state)
     QString message = tr("Unknown 'State' type");
     switch (state) {
     case StateSection: list = &m_syntax->stateControllers; base = FirstStateController; break;
-    case BGCtrlSection: list = &m_syntax->bgCtrlControllers; base = FirstBGCtrl; message = tr("Unknown 'BG Ctrl' type"); break;
+    case BGCtrlSection:
+        list = &m_syntax->bgCtrlControllers;
+        base = FirstBGCtrl;
+        message = tr("Unknown 'BG Ctrl' type");
+        break;
     case BGSection: list = &m_syntax->bgControllers; base = FirstBG; message = tr("Unknown 'BG' type"); break;
     case DefSection: list = &m_syntax->defControllers; base = FirstDef; message = tr("Unknown 'Def' type"); break;
     default:
@@ -537,7 +544,11 @@ void QMugenSyntaxChecker::typeLine(int state)
             message = tr("Unknown 'Def' type");
         break;
     }
-    const int index = list && m_kind == TIdent ? QMugenSyntaxProperties::indexOfController(*list, tokenText().toString()) : -1;
+    int index = -1;
+    for (qsizetype i = 0; list && m_kind == TIdent && index < 0 && i < list->size(); ++i) {
+        if (tokenText().compare(list->at(i)->name, Qt::CaseInsensitive) == 0)
+            index = int(i);
+    }
     if (index < 0) {
         if (m_kind == TEnd)
             addIssue(BlockIssue::Error, m_start, m_start, message);
@@ -556,7 +567,8 @@ void QMugenSyntaxChecker::typeLine(int state)
         return;
     }
     if (base == FirstStateController && !c->deprecated.isEmpty())
-        addIssue(BlockIssue::Warning, m_start, tokenEnd() - 1, tr("State controller deprecated in the M.U.G.E.N %1").arg(c->deprecated));
+        addIssue(BlockIssue::Warning, m_start, tokenEnd() - 1,
+                 tr("State controller deprecated in the M.U.G.E.N %1").arg(c->deprecated));
     formatToken(Controller);
     m_state = base + index;
     next();
@@ -823,7 +835,8 @@ void QMugenSyntaxChecker::stateLine(int state)
             consumeRest();
         return;
     }
-    const bool triggerSection = state == StateSection || state == BGSection || (state >= RejectedType && state < FirstBG);
+    const bool triggerSection =
+        state == StateSection || state == BGSection || (state >= RejectedType && state < FirstBG);
     if (triggerSection && m_kind == TIdent) {
         static const QString pattern = QStringLiteral("trigger([0-9]{1,2})|triggerall");
         if (m_syntax->matches(pattern, lowerToken())) {
@@ -1035,7 +1048,8 @@ void QMugenSyntaxChecker::operand()
     } else {
         formatToken(Trigger);
         if (!p->deprecated.isEmpty())
-            addIssue(BlockIssue::Warning, m_start, tokenEnd() - 1, tr("Trigger deprecated in the M.U.G.E.N %1").arg(p->deprecated));
+            addIssue(BlockIssue::Warning, m_start, tokenEnd() - 1,
+                     tr("Trigger deprecated in the M.U.G.E.N %1").arg(p->deprecated));
     }
     next();
     triggerArgs(*p);
@@ -1194,7 +1208,8 @@ void QMugenSyntaxChecker::checkParam(const ParamMap &map, const QString &blockNa
     checkParamIn(&map, nullptr, blockName);
 }
 
-void QMugenSyntaxChecker::checkParamIn(const ParamMap *map, const QList<SyntaxController *> *any, const QString &blockName)
+void QMugenSyntaxChecker::checkParamIn(const ParamMap *map, const QList<SyntaxController *> *any,
+                                       const QString &blockName)
 {
     const int start = m_start;
     int n = 0;
@@ -1222,7 +1237,8 @@ void QMugenSyntaxChecker::checkParamIn(const ParamMap *map, const QList<SyntaxCo
         return;
     }
     if (!p->deprecated.isEmpty())
-        addIssue(BlockIssue::Warning, start, start + lengths - 1, tr("Parameter deprecated in the M.U.G.E.N %1").arg(p->deprecated));
+        addIssue(BlockIssue::Warning, start, start + lengths - 1,
+                 tr("Parameter deprecated in the M.U.G.E.N %1").arg(p->deprecated));
     // The key is coloured over the sum of its token lengths less its column:
     // short for an indented key, as the issue spans have always been.
     setFormat(start, lengths - start, Keyword);
