@@ -35,6 +35,8 @@ protected:
 
 private:
     void format(int start, int length, int role) override;
+    void underline(const BlockIssue &issue, int length);
+    static bool lacksTrigger(const QTextBlock &header);
 
     const SyntaxFormats *m_formats;
     QMugenSyntaxHierarchy m_hierarchy;
