@@ -2,6 +2,7 @@
 // continuous integration. It loads and saves through the program's own stores,
 // so what it says and writes is what Brawlforge would.
 #include "animationscommand.h"
+#include "checkcommand.h"
 #include "commandstart.h"
 #include "console.h"
 #include "infocommand.h"
@@ -31,6 +32,8 @@ static ExitCode dispatch(const QStringList &words)
         return ProjectCommand::run(rest);
     if (command == QLatin1String("animations"))
         return AnimationsCommand::run(rest);
+    if (command == QLatin1String("check"))
+        return CheckCommand::run(rest);
     if (command == QLatin1String("help"))
         return startCommand({QStringLiteral("--help")}, Usage::Topic::Tool, {}, {}).finished.value();
 

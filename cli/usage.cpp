@@ -23,6 +23,7 @@ QString commandName(Topic topic)
     case Topic::AnimationsConvert: return QStringLiteral("brawlforge-cli animations convert");
     case Topic::AnimationsGif: return QStringLiteral("brawlforge-cli animations gif");
     case Topic::AnimationsRender: return QStringLiteral("brawlforge-cli animations render");
+    case Topic::Check: return QStringLiteral("brawlforge-cli check");
     }
     return QString();
 }
@@ -62,6 +63,9 @@ QString text(Topic topic)
             "                                            animation file or of a DEF\n"
             "  animations convert IN.air OUT.air         rewrites animations in the program's\n"
             "                                            own layout\n"
+            "  check FILE... [--json] [--mugen-version 1.0|1.1]\n"
+            "                                            the syntax checker of the code\n"
+            "                                            editors over text files\n"
             "\n"
             "Options:\n"
             "  -h, --help     this text; after a command, the help of that command\n"
@@ -234,6 +238,34 @@ QString text(Topic topic)
             "with any other name its actions go to an AIR file. OUT is replaced only\n"
             "once it is completely written.\n");
         break;
+    case Topic::Check:
+        return QStringLiteral(
+            "Usage: brawlforge-cli check FILE... [--json] [--mugen-version 1.0|1.1]\n"
+            "\n"
+            "Checks text files line by line with the syntax checker of the code editors:\n"
+            "states (CNS, ST), commands (CMD), animations (AIR), and the DEF of a\n"
+            "character, stage, storyboard or font with the sections of its type. Screen\n"
+            "pack files (system, fight, select) get their section headers checked only.\n"
+            "A character's DEF stands for itself and every text file it names (states,\n"
+            "common states, commands, animations, storyboards), checked with the engine\n"
+            "version its [Info] mugenversion gives.\n"
+            "\n"
+            "Each issue is printed on standard output as\n"
+            "  file(line:first-last): error|warning: text\n"
+            "with lines and columns counted from 1, as the editor shows them.\n"
+            "With --json, one document:\n"
+            "  {\"issues\": [{\"file\", \"line\", \"first\", \"last\", \"kind\", \"text\"}],\n"
+            "   \"errors\": n, \"warnings\": n}\n"
+            "\n"
+            "Options:\n"
+            "  --json                  print one JSON document instead of text\n"
+            "  --mugen-version V       check as for engine version V (1.0 or 1.1), whatever\n"
+            "                          the DEF says\n"
+            "\n"
+            "Exit codes:\n"
+            "  0  no errors (warnings may have been printed)\n"
+            "  1  the files hold errors\n"
+            "  2  bad usage or a file that can't be read\n");
     }
     return body + QLatin1String(exitCodes);
 }

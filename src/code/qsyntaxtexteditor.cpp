@@ -1,6 +1,7 @@
 #include "qsyntaxtexteditor.h"
 
 #include "code/qmugensyntaxhierarchy.h"
+#include "code/qmugensyntaxprocessor.h"
 #include "code/qtextencoding.h"
 
 #include <QFile>
@@ -74,6 +75,34 @@ void QSyntaxTextEditor::setSyntax(int language)
     if (language == Mugen) {
         m_hierarchy = new QMugenSyntaxHierarchy(this);
         connect(m_hierarchy, &QSyntaxHierarchy::updated, this, &QSyntaxTextEditor::hierarchyUpdated);
+    }
+    updateProcessor();
+}
+
+void QSyntaxTextEditor::setEngineVersion(quint32 version)
+{
+    if (version == m_engineVersion)
+        return;
+    m_engineVersion = version;
+    if (m_processor)
+        m_processor->setEngineVersion(version);
+}
+
+void QSyntaxTextEditor::setMugenSyntax(QMugenSyntaxProperties *syntax, const SyntaxFormats *formats)
+{
+    m_mugenSyntax = syntax;
+    m_formats = formats;
+    updateProcessor();
+}
+
+void QSyntaxTextEditor::updateProcessor()
+{
+    delete m_processor;
+    m_processor = nullptr;
+    if (m_language == Mugen && m_mugenSyntax) {
+        auto *processor = new QMugenSyntaxProcessor(m_mugenSyntax, m_formats, m_document);
+        processor->setEngineVersion(m_engineVersion);
+        m_processor = processor;
     }
 }
 

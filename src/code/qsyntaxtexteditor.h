@@ -7,6 +7,9 @@
 
 class QTextDocument;
 class QSyntaxHierarchy;
+class QSyntaxProcessor;
+class QMugenSyntaxProperties;
+class SyntaxFormats;
 
 // A text document of a project (DEF, CMD, CNS, ST): the text with its file
 // name, the encoding found when it was read (kept for the save), its language
@@ -42,7 +45,14 @@ public:
     static int detectLanguage(const QString &text);
 
     quint32 engineVersion() const { return m_engineVersion; }
-    void setEngineVersion(quint32 version) { m_engineVersion = version; }
+    // A new version checks a M.U.G.E.N. text again.
+    void setEngineVersion(quint32 version);
+
+    // The language tables a M.U.G.E.N. text is checked with and the colours
+    // it is painted with; until they are given, no text is checked. The
+    // processor follows the language: M.U.G.E.N. texts get one, others none.
+    void setMugenSyntax(QMugenSyntaxProperties *syntax, const SyntaxFormats *formats);
+    QSyntaxProcessor *processor() const { return m_processor; }
 
     QSyntaxHierarchy *hierarchy() const { return m_hierarchy; }
     bool hierarchyEnabled() const { return m_hierarchyEnabled; }
@@ -87,6 +97,10 @@ private:
     QByteArray m_encoding = "UTF-8";
     QTimer m_updateTimer;
     QSyntaxHierarchy *m_hierarchy = nullptr;
+    void updateProcessor();
+    QSyntaxProcessor *m_processor = nullptr;
+    QMugenSyntaxProperties *m_mugenSyntax = nullptr;
+    const SyntaxFormats *m_formats = nullptr;
     bool m_hierarchyEnabled;
     bool m_autoSyntax = true;
     int m_language = -1;

@@ -177,6 +177,7 @@ private slots:
     void renderSprites();
     void animationsOverSample();
     void animationsGifAndRender();
+    void checkSampleAndFaults();
 };
 
 void TestCli::initTestCase()
@@ -897,6 +898,49 @@ void TestCli::animationsGifAndRender()
     }
     QCOMPARE(readAll(gif), bytes);
     QCOMPARE(readAll(plain), kept);
+}
+
+void TestCli::checkSampleAndFaults()
+{
+    BF_REQUIRE_SAMPLE();
+    // Every text file of the engine's sample: warnings at most.
+    QStringList files{QStringLiteral("check")};
+    QDirIterator it(TestSupport::sampleDir(), {QStringLiteral("*.def"), QStringLiteral("*.cns"), QStringLiteral("*.cmd"),
+                                               QStringLiteral("*.air"), QStringLiteral("*.st")},
+                    QDir::Files, QDirIterator::Subdirectories);
+    while (it.hasNext())
+        files << it.next();
+    QVERIFY(files.size() > 40);
+    Run r = runTool(files);
+    EXPECT_EXIT(r, 0);
+    QVERIFY2(!r.out.contains(": error: "), r.out.constData());
+
+    // A character's DEF stands for its files, checked with its engine version.
+    r = runTool({QStringLiteral("check"), TestSupport::samplePath(QStringLiteral("chars/kfm/kfm.def")), QStringLiteral("--json")});
+    EXPECT_EXIT(r, 0);
+    const QJsonObject o = QJsonDocument::fromJson(r.out).object();
+    QCOMPARE(o.value(QStringLiteral("errors")).toInt(), 0);
+    const QJsonArray list = o.value(QStringLiteral("issues")).toArray();
+    const auto has = [&list](const QString &file, int line, const QString &text) {
+        return std::any_of(list.begin(), list.end(), [&](const QJsonValue &v) {
+            const QJsonObject i = v.toObject();
+            return i.value(QStringLiteral("file")).toString().endsWith(file) && i.value(QStringLiteral("line")).toInt() == line
+                   && i.value(QStringLiteral("kind")).toString() == QLatin1String("warning")
+                   && i.value(QStringLiteral("text")).toString() == text;
+        });
+    };
+    QVERIFY(has(QStringLiteral("kfm.cns"), 25, QStringLiteral("Parameter deprecated in the M.U.G.E.N 1.0")));
+    QVERIFY(has(QStringLiteral("common1.cns"), 372, QStringLiteral("State controller deprecated in the M.U.G.E.N 1.0")));
+
+    // Faults: placed by line and columns from 1, exit code 1.
+    QTemporaryDir dir;
+    const QString bad = dir.filePath(QStringLiteral("bad.cns"));
+    QVERIFY(writeAll(bad, "[Statedef 200]\r\n[State 200, 1]\r\ntype = ChangeState\r\ntrigger1 = tme = 0\r\nvalue = 0\r\n"));
+    r = runTool({QStringLiteral("check"), bad});
+    EXPECT_EXIT(r, 1);
+    QVERIFY2(r.out.contains("bad.cns(4:12-14): error: Unknown trigger 'tme'"), r.out.constData());
+    EXPECT_EXIT(runTool({QStringLiteral("check"), bad, QStringLiteral("--mugen-version"), QStringLiteral("2.0")}), 2);
+    EXPECT_EXIT(runTool({QStringLiteral("check"), dir.filePath(QStringLiteral("missing.cns"))}), 2);
 }
 
 QTEST_GUILESS_MAIN(TestCli)
