@@ -20,7 +20,9 @@
 #include "shell/qlanguagemanager.h"
 #include "shell/qpresetmanager.h"
 #include "shell/qstylesheetmanager.h"
+#include "sounds/ui/qsoundseditor.h"
 #include "sounds/ui/soundseditors.h"
+#include "animations/ui/qanimspriteworkspace.h"
 #include "sprites/qbfcachefilter.h"
 #include "sprites/qspritecache.h"
 #include "sprites/qspriterecordpool.h"
@@ -52,6 +54,8 @@ QAppRoot::QAppRoot(const QAppPaths &paths)
     m_objects.spriteRecords = new QSpriteRecordPool;
     m_objects.undoCache = new QSpriteCache(QStringLiteral("sprUndo"), QSpriteCache::TemporaryFile, true, -1,
                                            m_objects.spriteRecords);
+    m_objects.soundUndoCache = new QSpriteCache(QStringLiteral("sndUndo"), QSpriteCache::TemporaryFile, false, -1,
+                                                m_objects.spriteRecords);
     QLifecycleLog::record(QStringLiteral("+cache filters"));
     m_objects.iconsets = new QIconsetManager(m_paths.dataFolders(QStringLiteral("iconsets")));
     m_objects.stylesheets = new QStylesheetManager(m_paths.dataFolders(QStringLiteral("styles")));
@@ -84,7 +88,10 @@ void QAppRoot::registerEditors()
     registerCodeEditors(registry, m_objects);
     registerSpriteEditors(registry, m_objects);
     registerAnimationEditors(registry, m_objects);
-    registerSoundEditors(registry, m_objects);
+    // The sounds page shows the shared stage locked and empty.
+    QSoundsEditor *sounds = registerSoundEditors(registry, m_objects);
+    if (auto *stage = qobject_cast<QAnimSpriteWorkspace *>(registry.workspace(sounds->workspaceId())))
+        QObject::connect(sounds, &QSoundsEditor::stageWanted, stage, &QAnimSpriteWorkspace::showForSounds);
     registerDocsEditors(registry, m_objects);
 }
 
@@ -109,6 +116,7 @@ QAppRoot::~QAppRoot()
     delete m_objects.stylesheets;
     delete m_objects.iconsets;
     delete m_objects.undoCache;
+    delete m_objects.soundUndoCache;
     m_objects.log->append(QStringLiteral("Brawlforge stopped"));
     delete m_objects.log;
     delete m_objects.spriteRecords;

@@ -56,6 +56,16 @@ QString QAskUser::openFileName(QWidget *parent, const QString &caption, const QS
     return QFileDialog::getOpenFileName(parent, caption, folder, filter);
 }
 
+QStringList QAskUser::openFileNames(QWidget *parent, const QString &caption, const QString &folder,
+                                   const QString &filter)
+{
+    if (fileHandler()) {
+        const QString names = fileHandler()(OpenFiles, caption, folder, filter);
+        return names.isEmpty() ? QStringList() : names.split(QLatin1Char('\n'));
+    }
+    return QFileDialog::getOpenFileNames(parent, caption, folder, filter);
+}
+
 QString QAskUser::saveFileName(QWidget *parent, const QString &caption, const QString &folder,
                                const QString &filter)
 {

@@ -2,6 +2,7 @@
 
 #include <QMessageBox>
 #include <QString>
+#include <QStringList>
 
 #include <functional>
 
@@ -18,7 +19,8 @@ public:
     using MessageHandler = std::function<QMessageBox::StandardButton(
         QMessageBox::Icon icon, const QString &title, const QString &text, QMessageBox::StandardButtons buttons,
         QMessageBox::StandardButton defaultButton)>;
-    enum FileMode { OpenFile, SaveFile };
+    // OpenFiles answers with the names separated by line feeds.
+    enum FileMode { OpenFile, SaveFile, OpenFiles };
     using FileHandler = std::function<QString(FileMode mode, const QString &caption, const QString &folder,
                                               const QString &filter)>;
     // Gets the dialog before it would run; returns its result code.
@@ -35,6 +37,8 @@ public:
 
     static QString openFileName(QWidget *parent, const QString &caption, const QString &folder,
                                 const QString &filter);
+    static QStringList openFileNames(QWidget *parent, const QString &caption, const QString &folder,
+                                     const QString &filter);
     static QString saveFileName(QWidget *parent, const QString &caption, const QString &folder,
                                 const QString &filter);
     static int exec(QDialog *dialog);
