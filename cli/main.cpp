@@ -6,6 +6,7 @@
 #include "console.h"
 #include "infocommand.h"
 #include "projectcommand.h"
+#include "soundscommand.h"
 #include "spritescommand.h"
 #include "usage.h"
 
@@ -31,6 +32,8 @@ static ExitCode dispatch(const QStringList &words)
         return ProjectCommand::run(rest);
     if (command == QLatin1String("animations"))
         return AnimationsCommand::run(rest);
+    if (command == QLatin1String("sounds"))
+        return SoundsCommand::run(rest);
     if (command == QLatin1String("help"))
         return startCommand({QStringLiteral("--help")}, Usage::Topic::Tool, {}, {}).finished.value();
 

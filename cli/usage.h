@@ -6,7 +6,8 @@
 namespace Usage {
 
 enum class Topic { Tool, Info, Sprites, SpritesExport, SpritesConvert, SpritesRender, Project, ProjectInfo, Animations,
-                   AnimationsInfo, AnimationsConvert };
+                   AnimationsInfo, AnimationsConvert,
+                   Sounds, SoundsInfo, SoundsExport, SoundsPack };
 
 QString text(Topic topic);
 QString versionLine();

@@ -101,6 +101,8 @@ public:
     // kept; false (and the store as it was) only when the file can't be read or
     // isn't an SND at all, with the reason in `error`.
     bool load(const QString &path, bool keepPath, QString *error = nullptr);
+    // The same from the bytes of a file called `name` (for messages); the path stays.
+    bool fromBytes(const QByteArray &bytes, const QString &name, QString *error = nullptr);
     // Writes through a temporary file renamed into place: a failure leaves the
     // old file as it was. Only a real save (not `asCopy`) clears `modified` and
     // takes the path; the sounds and the undo stack are never touched.

@@ -59,10 +59,23 @@ bool QSounds::load(const QString &path, bool keepPath, QString *error)
     const QByteArray bytes = file.readAll();
     if (file.error() != QFileDevice::NoError)
         return failWith(file.errorString());
+    if (!fromBytes(bytes, QFileInfo(path).fileName(), error))
+        return false;
+    if (!keepPath)
+        m_path = path;
+    return true;
+}
+
+bool QSounds::fromBytes(const QByteArray &bytes, const QString &name, QString *error)
+{
+    auto failWith = [error](const QString &text) {
+        if (error)
+            *error = text;
+        return false;
+    };
     if (bytes.size() < qsizetype(sizeof Signature) || !bytes.startsWith(QByteArrayView(Signature, sizeof Signature)))
         return failWith(tr("not a sound file (SND): it doesn't begin with the SND signature"));
 
-    const QString name = QFileInfo(path).fileName();
     const quint32 claimed = word(bytes, 16);
     const quint32 firstOffset = word(bytes, 20);
     // At most one sound per sub-header the file has room for.
@@ -158,8 +171,6 @@ bool QSounds::load(const QString &path, bool keepPath, QString *error)
         endInsertRows();
     }
     m_modified = false;
-    if (!keepPath)
-        m_path = path;
     m_recording = true;
     emit changed();
     return true;
@@ -238,10 +249,14 @@ bool QSounds::exportDef(const QString &path, QString *error)
     if (sndMaker)
         text = info.completeBaseName() + QLatin1Char('\n');
     bool goOn = true;
+    // Two sounds of one group and number each keep their own file.
+    QHash<QString, int> used;
     for (int i = 0; i < count(); ++i) {
         const SoundRecord &r = m_records.at(i);
         if (r.cacheId) {
-            const QString wav = QStringLiteral("%1-%2.wav").arg(r.group).arg(r.number);
+            const QString stem = QStringLiteral("%1-%2").arg(r.group).arg(r.number);
+            const int seen = ++used[stem];
+            const QString wav = seen == 1 ? stem + QStringLiteral(".wav") : QStringLiteral("%1_%2.wav").arg(stem).arg(seen);
             QSaveFile out(folder.filePath(wav));
             const QByteArray bytes = sample(i);
             if (!out.open(QIODevice::WriteOnly) || out.write(bytes) != bytes.size() || !out.commit())
