@@ -197,6 +197,9 @@ QByteArray QSounds::toBytes()
         putWord(out, r.group);
         putWord(out, r.number);
         out.append(bytes);
+        // A save runs to its end: the flag is for the window's sake only.
+        bool goOn = true;
+        emit progress(uint(i + 1), uint(count()), goOn);
     }
     return out;
 }
