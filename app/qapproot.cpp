@@ -90,6 +90,7 @@ void QAppRoot::registerEditors()
     registerAnimationEditors(registry, m_objects);
     // The sounds page shows the shared stage locked and empty.
     QSoundsEditor *sounds = registerSoundEditors(registry, m_objects);
+    sounds->setProjectList([controller = m_controller] { return controller->projects(); });
     if (auto *stage = qobject_cast<QAnimSpriteWorkspace *>(registry.workspace(sounds->workspaceId())))
         QObject::connect(sounds, &QSoundsEditor::stageWanted, stage, &QAnimSpriteWorkspace::showForSounds);
     registerDocsEditors(registry, m_objects);

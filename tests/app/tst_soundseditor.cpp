@@ -19,6 +19,7 @@
 #include <QDialog>
 #include <QLabel>
 #include <QListView>
+#include <QListWidget>
 #include <QProcess>
 #include <QRadioButton>
 #include <QSpinBox>
@@ -238,6 +239,23 @@ private slots:
         QSounds back;
         QVERIFY(back.load(snd, false));
         QCOMPARE(shown(&back), shown(s));
+
+        // Import from another open project: its sounds, with their bytes, as one step.
+        if (sampleDir().isEmpty())
+            return;
+        p.root->controller()->openProject(samplePath(QStringLiteral("chars/kfm/kfm.def")));
+        QSounds *kfm = p.editor->store();
+        QVERIFY(kfm != s);
+        answers.fill = [](QDialog *d) { d->findChild<QListWidget *>(QStringLiteral("projects"))->setCurrentRow(0); };
+        p.trigger("snd_projimport");
+        QCOMPARE(kfm->count(), 12 + s->count());
+        QCOMPARE(kfm->sample(12), s->sample(0));
+        QCOMPARE(answers.texts.last(), QStringLiteral("5 sound(s) were imported!"));
+        answers.fill = [](QDialog *d) { d->findChild<QListWidget *>(QStringLiteral("projects"))->setCurrentRow(1); };
+        p.trigger("snd_projimport");
+        QCOMPARE(answers.texts.last(), QStringLiteral("You can't import from the destination project!"));
+        p.trigger("edit_undo");
+        QCOMPARE(kfm->count(), 12);
     }
 
     // The player's temporary WAV lives exactly as long as the playing, under

@@ -19,6 +19,7 @@
 #include <QFileInfo>
 #include <QFormLayout>
 #include <QListView>
+#include <QListWidget>
 #include <QRadioButton>
 #include <QRegularExpression>
 #include <QSpinBox>
@@ -111,6 +112,7 @@ void QSoundsEditor::registerControls(QEditorRegistry &registry)
         {"snd_stop", 227, SLOT(stop(bool)), true, true},
         {"snd_export", 228, SLOT(fileExport()), true, false},
         {"snd_import", 229, SLOT(fileImport()), false, false},
+        {"snd_projimport", 230, SLOT(projImport()), false, false},
         {"snd_prevgrp", 233, SLOT(prevGrp()), true, false},
         {"snd_nextgrp", 234, SLOT(nextGrp()), true, false},
     };
@@ -725,4 +727,45 @@ void QSoundsEditor::fileImport()
     else if (!problems.isEmpty())
         QAskUser::warning(window(), tr("Import sounds"), problems.join(QLatin1Char('\n')));
     select(s->count() > before ? before : m_current);
+}
+
+void QSoundsEditor::projImport()
+{
+    QSounds *s = store();
+    if (!s || !m_projects)
+        return;
+    const QList<QProject *> projects = m_projects();
+    FormDialog dlg(QStringLiteral("TabImport"), tr("Group"), window());
+    auto *list = new QListWidget;
+    list->setObjectName(QStringLiteral("projects"));
+    for (int i = 0; i < projects.size(); ++i) {
+        QProject *p = projects.at(i);
+        const QString name = p->name().isEmpty() ? QFileInfo(p->definitions()->fileName()).completeBaseName() : p->name();
+        list->addItem(tr("%1 (%n sound(s))", nullptr, p->sounds()->count())
+                          .arg(name.isEmpty() ? tr("Project %1").arg(i + 1) : name));
+    }
+    list->setCurrentRow(0);
+    dlg.layout()->addWidget(list);
+    if (QAskUser::exec(&dlg) != QDialog::Accepted)
+        return;
+    QProject *from = projects.value(list->currentRow());
+    if (!from)
+        return;
+    if (from == m_project) {
+        QAskUser::warning(window(), tr("Import"), tr("You can't import from the destination project!"));
+        return;
+    }
+    const QSounds *source = from->sounds();
+    if (source->isEmpty()) {
+        QAskUser::message(window(), QMessageBox::Information, tr("Import"), tr("No sound imported!"));
+        return;
+    }
+    const int first = s->count();
+    s->beginMacro(tr("importProj"));
+    for (int i = 0; i < source->count(); ++i)
+        s->add(source->record(i).group, source->record(i).number, source->sample(i));
+    s->endMacro();
+    select(first);
+    QAskUser::message(window(), QMessageBox::Information, tr("Import"),
+                      tr("%n sound(s) were imported!", nullptr, source->count()));
 }

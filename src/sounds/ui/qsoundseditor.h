@@ -7,6 +7,8 @@
 #include <QMetaObject>
 #include <QPointer>
 
+#include <functional>
+
 class QActionGroup;
 class QEditorRegistry;
 class QInterfaceControlWidget;
@@ -47,6 +49,8 @@ public:
     int current() const { return m_current; }
     QSounds *store() const;
     QSoundPlayer *player() { return &m_player; }
+    // The open projects, for the import from another project.
+    void setProjectList(std::function<QList<QProject *>()> projects) { m_projects = std::move(projects); }
     // The text of the information box for sound `index` of `store`.
     static QString infoText(const QSounds *store, int index);
 
@@ -76,6 +80,7 @@ public slots:
     void stop(bool on);
     void fileExport();
     void fileImport();
+    void projImport();
     void selPosChanged(int index);
     void prevGrp();
     void grpChanged(int group);
@@ -115,4 +120,5 @@ private:
     QList<QMetaObject::Connection> m_connections;
     int m_current = -1;
     bool m_updating = false;
+    std::function<QList<QProject *>()> m_projects;
 };
