@@ -21,7 +21,9 @@
 #include "shell/qlanguagemanager.h"
 #include "shell/qpresetmanager.h"
 #include "shell/qstylesheetmanager.h"
+#include "sounds/ui/qsoundseditor.h"
 #include "sounds/ui/soundseditors.h"
+#include "animations/ui/qanimspriteworkspace.h"
 #include "sprites/qbfcachefilter.h"
 #include "sprites/qspritecache.h"
 #include "sprites/qspriterecordpool.h"
@@ -53,6 +55,8 @@ QAppRoot::QAppRoot(const QAppPaths &paths)
     m_objects.spriteRecords = new QSpriteRecordPool;
     m_objects.undoCache = new QSpriteCache(QStringLiteral("sprUndo"), QSpriteCache::TemporaryFile, true, -1,
                                            m_objects.spriteRecords);
+    m_objects.soundUndoCache = new QSpriteCache(QStringLiteral("sndUndo"), QSpriteCache::TemporaryFile, false, -1,
+                                                m_objects.spriteRecords);
     QLifecycleLog::record(QStringLiteral("+cache filters"));
     m_objects.iconsets = new QIconsetManager(m_paths.dataFolders(QStringLiteral("iconsets")));
     m_objects.stylesheets = new QStylesheetManager(m_paths.dataFolders(QStringLiteral("styles")));
@@ -88,7 +92,11 @@ void QAppRoot::registerEditors()
     registerAnimationEditors(
         registry, m_objects, [](QWidget *parent) { return new QTextEditor(parent); },
         [controller = m_controller] { return controller->projects(); });
-    registerSoundEditors(registry, m_objects);
+    // The sounds page shows the shared stage locked and empty.
+    QSoundsEditor *sounds = registerSoundEditors(registry, m_objects);
+    sounds->setProjectList([controller = m_controller] { return controller->projects(); });
+    if (auto *stage = qobject_cast<QAnimSpriteWorkspace *>(registry.workspace(sounds->workspaceId())))
+        QObject::connect(sounds, &QSoundsEditor::stageWanted, stage, &QAnimSpriteWorkspace::showForSounds);
     registerDocsEditors(registry, m_objects);
 }
 
@@ -113,6 +121,7 @@ QAppRoot::~QAppRoot()
     delete m_objects.stylesheets;
     delete m_objects.iconsets;
     delete m_objects.undoCache;
+    delete m_objects.soundUndoCache;
     m_objects.log->append(QStringLiteral("Brawlforge stopped"));
     delete m_objects.log;
     delete m_objects.spriteRecords;

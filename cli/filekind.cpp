@@ -15,8 +15,12 @@ FileKind detect(const QString &path)
     if (info.isDir() || !file.open(QIODevice::ReadOnly))
         return FileKind::Unreadable;
     static const QByteArray spriteSignature("ElecbyteSpr\0", 12);
-    if (file.read(12) == spriteSignature)
+    static const QByteArray soundSignature("ElecbyteSnd\0", 12);
+    const QByteArray head = file.read(12);
+    if (head == spriteSignature)
         return FileKind::Sprites;
+    if (head == soundSignature)
+        return FileKind::Sounds;
     if (info.suffix().compare(QLatin1String("def"), Qt::CaseInsensitive) == 0)
         return FileKind::Definitions;
     return FileKind::Unknown;
@@ -29,7 +33,8 @@ QString problem(FileKind kind, const QString &path)
     case FileKind::Missing: return QStringLiteral("'%1': no such file").arg(name);
     case FileKind::Unreadable: return QStringLiteral("'%1': cannot be read").arg(name);
     case FileKind::Unknown:
-        return QStringLiteral("'%1': not a sprite file (SFF) nor a definition file (DEF)").arg(name);
+        return QStringLiteral("'%1': not a sprite file (SFF), sound file (SND) nor definition file (DEF)").arg(name);
+    case FileKind::Sounds:
     case FileKind::Sprites:
     case FileKind::Definitions: break;
     }

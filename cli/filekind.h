@@ -4,7 +4,7 @@
 
 // What a file given to the tool is, told by its first bytes where the format has
 // a signature and by its suffix where it is text.
-enum class FileKind { Missing, Unreadable, Sprites, Definitions, Unknown };
+enum class FileKind { Missing, Unreadable, Sprites, Definitions, Sounds, Unknown };
 
 namespace FileKinds {
 FileKind detect(const QString &path);

@@ -10,6 +10,7 @@
 #include <QFileInfo>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include "soundscommand.h"
 #include "spritesinfo.h"
 
 namespace InfoCommand {
@@ -48,6 +49,8 @@ ExitCode run(const QStringList &words)
         return SpritesInfo::run(path, start.args.has(QStringLiteral("json")));
     case FileKind::Definitions:
         return definitionsInfo(path, start.args.has(QStringLiteral("json")));
+    case FileKind::Sounds:
+        return SoundsCommand::info(words);
     default:
         Console::fail(FileKinds::problem(kind, path));
         return ExitCode::Failure;

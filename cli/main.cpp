@@ -7,6 +7,7 @@
 #include "console.h"
 #include "infocommand.h"
 #include "projectcommand.h"
+#include "soundscommand.h"
 #include "spritescommand.h"
 #include "usage.h"
 
@@ -34,6 +35,8 @@ static ExitCode dispatch(const QStringList &words)
         return AnimationsCommand::run(rest);
     if (command == QLatin1String("check"))
         return CheckCommand::run(rest);
+    if (command == QLatin1String("sounds"))
+        return SoundsCommand::run(rest);
     if (command == QLatin1String("help"))
         return startCommand({QStringLiteral("--help")}, Usage::Topic::Tool, {}, {}).finished.value();
 

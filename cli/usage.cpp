@@ -24,6 +24,10 @@ QString commandName(Topic topic)
     case Topic::AnimationsGif: return QStringLiteral("brawlforge-cli animations gif");
     case Topic::AnimationsRender: return QStringLiteral("brawlforge-cli animations render");
     case Topic::Check: return QStringLiteral("brawlforge-cli check");
+    case Topic::Sounds: return QStringLiteral("brawlforge-cli sounds");
+    case Topic::SoundsInfo: return QStringLiteral("brawlforge-cli sounds info");
+    case Topic::SoundsExport: return QStringLiteral("brawlforge-cli sounds export");
+    case Topic::SoundsPack: return QStringLiteral("brawlforge-cli sounds pack");
     }
     return QString();
 }
@@ -48,8 +52,9 @@ QString text(Topic topic)
             "for batch work and continuous integration.\n"
             "\n"
             "Commands:\n"
-            "  info FILE [--json]                        what a sprite file (SFF) or a\n"
-            "                                            definition file (DEF) holds\n"
+            "  info FILE [--json]                        what a sprite file (SFF), a sound\n"
+            "                                            file (SND) or a definition file (DEF)\n"
+            "                                            holds\n"
             "  sprites export FILE.sff OUTDIR [--character]\n"
             "                                            one PNG per sprite, and sprites.txt\n"
             "  sprites convert IN.sff OUT.sff --to 1.01|2.00|2.01 [--character]\n"
@@ -66,6 +71,10 @@ QString text(Topic topic)
             "  check FILE... [--json] [--mugen-version 1.0|1.1]\n"
             "                                            the syntax checker of the code\n"
             "                                            editors over text files\n"
+            "  sounds info FILE.snd|FILE.def [--json]    the sounds of a sound file (SND)\n"
+            "  sounds export FILE.snd OUTDIR             one WAV per sound and a SndMaker DEF\n"
+            "  sounds pack IN.def|INDIR OUT.snd          a sound file from a definition or\n"
+            "                                            a folder of GROUP-NUMBER.wav\n"
             "\n"
             "Options:\n"
             "  -h, --help     this text; after a command, the help of that command\n"
@@ -77,6 +86,7 @@ QString text(Topic topic)
         body = QStringLiteral(
             "Usage: brawlforge-cli info FILE [--json]\n"
             "\n"
+            "For a sound file (SND): as 'brawlforge-cli sounds info'.\n"
             "For a sprite file (SFF 1.01, 2.00, 2.01): its version, the number of sprites,\n"
             "of linked sprites and of palettes, then one line per sprite with its index,\n"
             "group, number, axis, size, colour depth, stored format, link and palette.\n"
@@ -266,6 +276,54 @@ QString text(Topic topic)
             "  0  no errors (warnings may have been printed)\n"
             "  1  the files hold errors\n"
             "  2  bad usage or a file that can't be read\n");
+    case Topic::Sounds:
+        body = QStringLiteral(
+            "Usage: brawlforge-cli sounds info FILE.snd|FILE.def [--json]\n"
+            "       brawlforge-cli sounds export FILE.snd OUTDIR\n"
+            "       brawlforge-cli sounds pack IN.def|INDIR OUT.snd\n"
+            "\n"
+            "See 'brawlforge-cli sounds info --help', 'brawlforge-cli sounds export --help'\n"
+            "and 'brawlforge-cli sounds pack --help'.\n");
+        break;
+    case Topic::SoundsInfo:
+        body = QStringLiteral(
+            "Usage: brawlforge-cli sounds info FILE.snd|FILE.def [--json]\n"
+            "\n"
+            "Reads a sound file (SND) the way Brawlforge does and lists its sounds: index,\n"
+            "group, number, length in bytes, and for PCM WAV samples the channels, sample\n"
+            "rate, bits per sample and duration in seconds. Samples that are no PCM WAV\n"
+            "are kept as they are and shown by their kind. A character's DEF stands for\n"
+            "the sound file it names. Damage the reader had to mend is reported as\n"
+            "warnings.\n"
+            "\n"
+            "With --json, one document:\n"
+            "  {\"file\", \"count\", \"sounds\": [{\"index\", \"group\", \"number\", \"length\",\n"
+            "   \"format\": \"pcm\"|\"wav-<tag>\"|\"other\"|\"empty\", \"channels\", \"rate\",\n"
+            "   \"bits\", \"duration\"}], \"warnings\": [\"file(line): text\"]}\n"
+            "\n"
+            "Options:\n"
+            "  --json         print one JSON document instead of text\n");
+        break;
+    case Topic::SoundsExport:
+        body = QStringLiteral(
+            "Usage: brawlforge-cli sounds export FILE.snd OUTDIR\n"
+            "\n"
+            "Writes each sound's sample into OUTDIR (made if missing) as GROUP-NUMBER.wav,\n"
+            "byte for byte as stored, and OUTDIR/<name>.def, the SndMaker script that\n"
+            "lists them in file order. A second sound with the same group and number\n"
+            "gets GROUP-NUMBER_2.wav and so on; sounds without a sample are left out.\n");
+        break;
+    case Topic::SoundsPack:
+        body = QStringLiteral(
+            "Usage: brawlforge-cli sounds pack IN.def|INDIR OUT.snd\n"
+            "\n"
+            "Makes a sound file from a SndMaker script, from the program's own export\n"
+            "([SoundDef] sections with group, sample and file), or from a folder of\n"
+            "GROUP-NUMBER.wav files taken in the order of group and number. Samples go in\n"
+            "byte for byte. WAV files that can't be read are reported and left out.\n"
+            "OUT.snd is replaced only once it is completely written; packing the same\n"
+            "input twice gives the same file.\n");
+        break;
     }
     return body + QLatin1String(exitCodes);
 }

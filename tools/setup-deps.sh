@@ -12,6 +12,7 @@ pkgs=(
   clang libclang-rt-dev
   xvfb xauth imagemagick
   gstreamer1.0-plugins-base gstreamer1.0-plugins-good
+  gstreamer1.0-pulseaudio pulseaudio pulseaudio-utils
   qt6-qpa-plugins qt6-image-formats-plugins fonts-dejavu-core
 )
 missing=()

@@ -50,7 +50,7 @@ QString unquoted(const QString &value)
 QProject::QProject(const QProjectSettings &settings, QObject *parent)
     : QObject(parent)
     , m_sprites(settings.cacheType, settings.cacheCompression != 0, settings.records)
-    , m_sounds(settings.cacheType, settings.cacheCompression)
+    , m_sounds(settings.cacheType, settings.cacheCompression, settings.records)
     , m_defAnimations(&m_animations, &m_definitions,
                       [this] { return m_type == QProjectType::Stage || m_type == QProjectType::Storyboard; })
     , m_settings(settings)
@@ -63,6 +63,8 @@ QProject::QProject(const QProjectSettings &settings, QObject *parent)
     m_animations.setMessages(&m_messages);
     m_sprites.setUndoCache(settings.undoCache);
     m_sprites.setMessages(&m_messages);
+    m_sounds.setMessages(&m_messages);
+    m_sounds.setUndoCache(settings.soundUndoCache);
     // The store says why a file failed through fileError; the project puts
     // the reason into its own report of that file.
     connect(&m_sprites, &QSprites::fileError, this,
@@ -586,11 +588,35 @@ bool QProject::writeAnimations(const QString &target, const QString &original, b
     return false;
 }
 
-// The sound store keeps nothing in memory yet: its slot is the file the
-// project was read from (`original`, empty if there is none), copied as it is.
-bool QProject::writeSounds(const QString &target, const QString &original)
+// The sound slot, written to `target`: as the animations, a store left as it
+// was read is copied from its file, so that even a file the reader had to
+// mend stays as it was; an edited one writes what it holds. A real save binds
+// the store to `target`; any other write changes nothing in it.
+bool QProject::writeSounds(const QString &target, const QString &original, bool real)
 {
-    return original.isEmpty() || copyFile(original, target);
+    if (m_sounds.isEmpty() && !m_sounds.isModified())
+        return original.isEmpty() || copyFile(original, target);
+    if (!m_sounds.isModified() && !original.isEmpty() && !real)
+        return copyFile(original, target);
+    QDir().mkpath(QFileInfo(target).absolutePath());
+    QString error;
+    if (m_sounds.save(target, !real, &error))
+        return true;
+    fail(target, tr("The sounds can't be saved: %1").arg(error));
+    return false;
+}
+
+bool QProject::loadSounds(const QString &path, bool temporary)
+{
+    QString error;
+    if (m_sounds.load(path, temporary, &error))
+        return true;
+    // A load the user stopped says nothing.
+    if (error.isEmpty())
+        m_stopped = true;
+    else
+        fail(path, tr("The sounds can't be read: %1").arg(error));
+    return false;
 }
 
 // ---------------------------------------------------------------- load
@@ -682,8 +708,11 @@ bool QProject::fromFile(const QString &fileName, uint codepage, bool backup, boo
     if (!step(++done, total))
         return finish();
 
-    if (isCharacter())
-        existing(files.sound);
+    if (isCharacter()) {
+        const QString snd = existing(files.sound);
+        if (!snd.isEmpty())
+            loadSounds(snd, temporary);
+    }
     if (!step(++done, total))
         return finish();
 
@@ -777,9 +806,13 @@ bool QProject::saveFile(QProjectFile kind, bool asUtf8, int state)
                                                                             : m_animations.path());
         return !name.isEmpty() && writeAnimations(name, QString(), true, asUtf8);
     }
-    case QProjectFile::Sounds:
-        // The sound store holds nothing in memory yet, and an empty slot writes nothing.
-        return false;
+    case QProjectFile::Sounds: {
+        if (m_sounds.isEmpty() || !askCanSave(kind, m_version))
+            return false;
+        const QString name = askFileName(kind, m_sounds.path().isEmpty() ? remembered(m_defFiles.sound)
+                                                                        : m_sounds.path());
+        return !name.isEmpty() && writeSounds(name, QString(), true);
+    }
     case QProjectFile::Commands: {
         if (m_commands.isEmpty())
             return false;
@@ -836,6 +869,11 @@ bool QProject::toFile()
                         true);
     if (!step(++done, total))
         return false;
+
+    if (!QFileInfo(m_sounds.path()).isFile())
+        saveFile(QProjectFile::Sounds, false);
+    else if (m_sounds.isModified() && askCanSave(QProjectFile::Sounds, m_version))
+        writeSounds(m_sounds.path(), QString(), true);
 
     if (!QFileInfo(m_commands.fileName()).isFile())
         saveFile(QProjectFile::Commands, false);
@@ -1013,7 +1051,7 @@ bool QProject::writeProject(const QString &folder, const QString &defName, CopyK
     if (!files.sound.isEmpty()) {
         const QString target = targetIn(folder, files.sound);
         if (!target.isEmpty())
-            writeSounds(target, source(files.sound));
+            writeSounds(target, source(files.sound), real);
     }
     if (!step(++done, total))
         return false;

@@ -172,7 +172,8 @@ private:
     bool saveText(QSyntaxTextEditor &doc, const QString &path, bool asUtf8, bool asCopy);
     // The animation and sound slots, written to `target`.
     bool writeAnimations(const QString &target, const QString &original, bool real = false, bool asUtf8 = false);
-    bool writeSounds(const QString &target, const QString &original);
+    bool writeSounds(const QString &target, const QString &original, bool real = false);
+    bool loadSounds(const QString &path, bool temporary);
 
     // The sprite slot, in one place.
     void loadPalette(const QString &path, int number);

@@ -26,6 +26,9 @@ struct QProjectSettings
     std::function<void(const QString &key, const QString &value)> storePath;
     // The process-wide cache of undo images; a project without one keeps its own.
     QSpriteCache *undoCache = nullptr;
+    // The process-wide cache of samples kept by the sounds' undo; a project
+    // without one keeps its own.
+    QSpriteCache *soundUndoCache = nullptr;
     // The program's pool of cache records; a project without one keeps its own.
     QSpriteRecordPool *records = nullptr;
 

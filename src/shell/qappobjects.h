@@ -43,6 +43,8 @@ struct QAppObjects
     // Where the undo commands of every project's sprites keep the images they
     // can bring back: one temporary file for the whole program.
     QSpriteCache *undoCache = nullptr;
+    // The same for the samples of every project's sounds.
+    QSpriteCache *soundUndoCache = nullptr;
     // The records of every sprite and sound cache of the program, reused as
     // projects open and close.
     QSpriteRecordPool *spriteRecords = nullptr;

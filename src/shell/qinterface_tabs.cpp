@@ -56,6 +56,7 @@ QProject *QInterface::createProject()
         settings.storePath = [config](const QString &key, const QString &value) { config->set(key, value); };
     }
     settings.undoCache = m_objects.undoCache;
+    settings.soundUndoCache = m_objects.soundUndoCache;
     settings.records = m_objects.spriteRecords;
     auto *project = new QProject(settings);
     connectProject(project);

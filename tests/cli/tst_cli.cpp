@@ -4,7 +4,9 @@
 #include "testsupport.h"
 
 #include "base/qmessages.h"
+#include "sounds/qsounds.h"
 #include "sprites/qsprites.h"
+#include "wavsupport.h"
 
 #include <QCoreApplication>
 #include <QDirIterator>
@@ -178,6 +180,7 @@ private slots:
     void animationsOverSample();
     void animationsGifAndRender();
     void checkSampleAndFaults();
+    void soundsOverSample();
 };
 
 void TestCli::initTestCase()
@@ -941,6 +944,70 @@ void TestCli::checkSampleAndFaults()
     QVERIFY2(r.out.contains("bad.cns(4:12-14): error: Unknown trigger 'tme'"), r.out.constData());
     EXPECT_EXIT(runTool({QStringLiteral("check"), bad, QStringLiteral("--mugen-version"), QStringLiteral("2.0")}), 2);
     EXPECT_EXIT(runTool({QStringLiteral("check"), dir.filePath(QStringLiteral("missing.cns"))}), 2);
+}
+
+// Every sample SND: its info agrees with the store, an export packs back into
+// a file of the same sounds byte for byte, and packing is repeatable; damage
+// and missing samples are reported, never a crash.
+void TestCli::soundsOverSample()
+{
+    BF_REQUIRE_SAMPLE();
+    QTemporaryDir dir;
+    QDirIterator it(TestSupport::sampleDir(), {QStringLiteral("*.snd")}, QDir::Files, QDirIterator::Subdirectories);
+    int files = 0;
+    while (it.hasNext()) {
+        const QString snd = it.next();
+        QSounds store;
+        QVERIFY(store.load(snd, false));
+        Run r = runTool({QStringLiteral("sounds"), QStringLiteral("info"), snd, QStringLiteral("--json")});
+        EXPECT_EXIT(r, 0);
+        const QJsonArray list = QJsonDocument::fromJson(r.out).object().value("sounds").toArray();
+        QCOMPARE(list.size(), store.count());
+        const QJsonObject first = list.first().toObject();
+        QCOMPARE(first.value("length").toInt(), store.sample(0).size());
+        QCOMPARE(first.value("rate").toInt(), int(store.record(0).sampleRate));
+
+        const QString out = dir.filePath(QStringLiteral("x%1").arg(files++));
+        EXPECT_EXIT(runTool({QStringLiteral("sounds"), QStringLiteral("export"), snd, out}), 0);
+        const QString def = out + QLatin1Char('/') + QFileInfo(snd).completeBaseName() + QStringLiteral(".def");
+        for (const QString &source : {def, out}) {
+            const QString a = out + QStringLiteral("/a.snd");
+            const QString b = out + QStringLiteral("/b.snd");
+            EXPECT_EXIT(runTool({QStringLiteral("sounds"), QStringLiteral("pack"), source, a}), 0);
+            EXPECT_EXIT(runTool({QStringLiteral("sounds"), QStringLiteral("pack"), source, b}), 0);
+            QCOMPARE(readAll(a), readAll(b));
+            QSounds back;
+            QVERIFY(back.load(a, false));
+            QCOMPARE(back.count(), store.count());
+            for (int i = 0; i < store.count(); ++i) {
+                QCOMPARE(back.record(i).group, store.record(i).group);
+                QCOMPARE(back.record(i).number, store.record(i).number);
+                QVERIFY(back.sample(i) == store.sample(i));
+            }
+        }
+    }
+    QVERIFY(files >= 4);
+
+    // A character's DEF stands for its SND; the text lists every sound.
+    Run r = runTool({QStringLiteral("sounds"), QStringLiteral("info"), TestSupport::samplePath("chars/kfm/kfm.def")});
+    EXPECT_EXIT(r, 0);
+    QVERIFY(r.out.contains("Sounds: 12\n"));
+
+    // Damage: a count the file can't hold is a warning; a lost WAV too.
+    const QString bad = dir.filePath(QStringLiteral("bad.snd"));
+    QVERIFY(writeAll(bad, TestSupport::makeSnd({{TestSupport::makeWav(1, 8000, 8, 10), 1, 2}}, QByteArray(4, 0), 5000000)));
+    r = runTool({QStringLiteral("sounds"), QStringLiteral("info"), bad});
+    EXPECT_EXIT(r, 1);
+    QVERIFY2(r.err.contains("bad.snd(0): "), r.err.constData());
+    QVERIFY(writeAll(dir.filePath(QStringLiteral("ok.wav")), TestSupport::makeWav(1, 8000, 8, 10)));
+    QVERIFY(writeAll(dir.filePath(QStringLiteral("lost.def")), "lost\nnone.wav\n1\n1\nok.wav\n0\n0\n"));
+    r = runTool({QStringLiteral("sounds"), QStringLiteral("pack"), dir.filePath(QStringLiteral("lost.def")),
+                 dir.filePath(QStringLiteral("lost.snd"))});
+    EXPECT_EXIT(r, 1);
+    QVERIFY(r.err.contains("none.wav"));
+    EXPECT_EXIT(runTool({QStringLiteral("sounds"), QStringLiteral("pack"), dir.filePath(QStringLiteral("nothing")),
+                         dir.filePath(QStringLiteral("n.snd"))}), 2);
+    EXPECT_EXIT(runTool({QStringLiteral("sounds"), QStringLiteral("info"), TestSupport::samplePath("chars/kfm/kfm.sff")}), 2);
 }
 
 QTEST_GUILESS_MAIN(TestCli)

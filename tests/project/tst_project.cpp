@@ -4,6 +4,7 @@
 
 #include "project/qproject.h"
 #include "projectstate.h"
+#include "wavsupport.h"
 #include "sprites/qpalettefile.h"
 
 #include <QSignalSpy>
@@ -100,6 +101,54 @@ class TestProject : public QObject
     Q_OBJECT
 
 private slots:
+    // The sound slot: read with the project, copied as it was while
+    // unedited, written from memory once edited; copies and backups change
+    // nothing in the store, a failed write reaches the failures.
+    void soundSlot()
+    {
+        QTemporaryDir dir;
+        const QString def = makeCharacter(dir.path());
+        const QString snd = dir.filePath(QStringLiteral("hero.snd"));
+        const QByteArray original = TestSupport::makeSnd({{TestSupport::makeWav(1, 8000, 8, 100, 1, 1), 0, 0},
+                                                          {TestSupport::makeWav(2, 11025, 16, 30, 1, 2), 5, 1}},
+                                                         QByteArray("\x04\0\0\0", 4));
+        QVERIFY(writeAll(snd, original));
+        QProject p;
+        QVERIFY(p.fromFile(def, 0, false, false));
+        QCOMPARE(p.sounds()->count(), 2);
+        QCOMPARE(p.sounds()->path(), snd);
+        QVERIFY(!p.sounds()->isModified());
+
+        p.sounds()->add(9, 9, TestSupport::makeWav(1, 8000, 8, 10));
+        const TestSupport::ProjectState edited = TestSupport::ProjectState::of(p);
+        QVERIFY(p.toTemporary(dir.filePath(QStringLiteral("test")), QStringLiteral("bf3_hero")));
+        QVERIFY(p.backup());
+        BF_VERIFY_UNCHANGED(edited, p, false, "test copy and backup");
+        QCOMPARE(readAll(snd), original);
+        QSounds copy;
+        QVERIFY(copy.load(p.lastBackupFolder() + QStringLiteral("hero.snd"), false));
+        QCOMPARE(copy.count(), 3);
+
+        // A Save As into a folder where the sound file can't be written.
+        const QString blocked = dir.filePath(QStringLiteral("blocked"));
+        QVERIFY(QDir().mkpath(blocked + QStringLiteral("/hero.snd/inside")));
+        QVERIFY(!p.saveAs(blocked + QStringLiteral("/hero.def"), false));
+        QVERIFY(p.failures().join(QLatin1Char('\n')).contains(QStringLiteral("hero.snd")));
+        QVERIFY(p.sounds()->isModified());
+        QCOMPARE(p.sounds()->count(), 3);
+
+        // The real save writes what the store holds and binds nothing else.
+        QVERIFY(p.fromFile(def, 0, false, false));
+        p.sounds()->add(9, 9, TestSupport::makeWav(1, 8000, 8, 10));
+        const int undo = p.sounds()->undoStack()->index();
+        QVERIFY(p.toFile());
+        QVERIFY(!p.sounds()->isModified());
+        QCOMPARE(p.sounds()->undoStack()->index(), undo);
+        QVERIFY(copy.load(snd, false));
+        QCOMPARE(copy.count(), 3);
+        QCOMPARE(readAll(snd).mid(12, 4), QByteArray("\x04\0\0\0", 4));
+    }
+
     void versionTypeAndLocalCoord()
     {
         QCOMPARE(QProject::parseVersion(QStringLiteral("1.0")), 0x01000000u);

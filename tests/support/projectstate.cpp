@@ -1,6 +1,9 @@
 #include "projectstate.h"
 
 #include "animations/qanimations.h"
+#include "sounds/qsounds.h"
+
+#include <QCryptographicHash>
 #include "project/qproject.h"
 #include "sprites/qsprites.h"
 
@@ -55,6 +58,16 @@ ProjectState ProjectState::of(QProject &project)
     s.animations = project.animations()->fileText();
     s.animationsModified = project.animations()->isModified();
     s.animationsFile = project.animations()->path();
+    QSounds *sounds = project.sounds();
+    for (int i = 0; i < sounds->count(); ++i)
+        s.sounds << QStringLiteral("%1,%2 %3")
+                        .arg(sounds->record(i).group)
+                        .arg(sounds->record(i).number)
+                        .arg(QString::fromLatin1(QCryptographicHash::hash(sounds->sample(i), QCryptographicHash::Md5).toHex()));
+    s.soundUndoCount = sounds->undoStack()->count();
+    s.soundUndoIndex = sounds->undoStack()->index();
+    s.soundsModified = sounds->isModified();
+    s.soundsFile = sounds->path();
     return s;
 }
 
@@ -76,15 +89,20 @@ QString firstDifference(const ProjectState &a, const ProjectState &b, bool realS
         return QStringLiteral("the palettes changed");
     if (a.animations != b.animations)
         return QStringLiteral("the animations changed");
+    if (a.sounds != b.sounds)
+        return QStringLiteral("the sounds changed");
+    if (a.soundUndoCount != b.soundUndoCount || a.soundUndoIndex != b.soundUndoIndex)
+        return QStringLiteral("the sound undo stack changed");
     if (a.undoCount != b.undoCount || a.undoIndex != b.undoIndex)
         return QStringLiteral("the sprite undo stack went from %1/%2 to %3/%4")
             .arg(a.undoIndex).arg(a.undoCount).arg(b.undoIndex).arg(b.undoCount);
     if (realSave)
         return QString();
     if (a.textModified != b.textModified || a.spritesModified != b.spritesModified
-        || a.animationsModified != b.animationsModified)
+        || a.animationsModified != b.animationsModified || a.soundsModified != b.soundsModified)
         return QStringLiteral("a modified flag changed");
-    if (a.textNames != b.textNames || a.spritesFile != b.spritesFile || a.animationsFile != b.animationsFile)
+    if (a.textNames != b.textNames || a.spritesFile != b.spritesFile || a.animationsFile != b.animationsFile
+        || a.soundsFile != b.soundsFile)
         return QStringLiteral("a file name changed");
     if (a.spritesVersion != b.spritesVersion)
         return QStringLiteral("the sprite version changed");

@@ -30,6 +30,11 @@ struct ProjectState
     QString animations;   // the store as the writer gives it
     bool animationsModified = false;
     QString animationsFile;
+    QStringList sounds;   // group, number and a hash of the bytes, per sound
+    int soundUndoCount = 0;
+    int soundUndoIndex = 0;
+    bool soundsModified = false;
+    QString soundsFile;
 
     static ProjectState of(QProject &project);
     static ProjectState of(QSprites &sprites);

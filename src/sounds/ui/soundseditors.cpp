@@ -5,8 +5,11 @@
 
 #include <memory>
 
-void registerSoundEditors(QEditorRegistry &registry, const QAppObjects &objects)
+QSoundsEditor *registerSoundEditors(QEditorRegistry &registry, const QAppObjects &objects)
 {
-    Q_UNUSED(objects);
-    registry.addEditor(std::make_unique<QSoundsEditor>());
+    auto editor = std::make_unique<QSoundsEditor>(objects);
+    QSoundsEditor *e = editor.get();
+    e->registerControls(registry);
+    registry.addEditor(std::move(editor));
+    return e;
 }
