@@ -6,7 +6,7 @@
 namespace Usage {
 
 enum class Topic { Tool, Info, Sprites, SpritesExport, SpritesConvert, SpritesRender, Project, ProjectInfo, Animations,
-                   AnimationsInfo, AnimationsConvert };
+                   AnimationsInfo, AnimationsConvert, SpritesCheck };
 
 QString text(Topic topic);
 QString versionLine();
