@@ -252,13 +252,22 @@ QList<QRgb> QPCXCacheFilter::colorTableAt(QByteArrayView file, qsizetype end)
     return table;
 }
 
+QList<QRgb> QPCXCacheFilter::colorTable(QByteArrayView file)
+{
+    const qsizetype tail = file.size() - 769;
+    if (tail >= HeaderSize && file[tail] == 12)
+        return colorTableAt(file, tail);
+    return colorTableAt(file, dataEnd(file));
+}
+
 QPCXCacheFilter::Layout QPCXCacheFilter::layout(QByteArrayView file)
 {
     Layout out = header(file);
     if (out.isNull())
         return out;
     out.dataEnd = dataEnd(file);
-    out.colorTable = colorTableAt(file, out.dataEnd);
+    const qsizetype tail = file.size() - 769;
+    out.colorTable = colorTableAt(file, tail >= HeaderSize && file[tail] == 12 ? tail : out.dataEnd);
     return out;
 }
 
@@ -266,9 +275,10 @@ void QPCXCacheFilter::shortPaletteRemap(QByteArrayView file, int colorCount, uch
 {
     for (int c = 0; c < 256; ++c)
         remap[c] = uchar(c);
-    const Layout pcx = layout(file);
-    const QList<QRgb> &table = pcx.colorTable;
-    if (pcx.format != QImage::Format_Indexed8 || table.size() != 256 || colorCount >= 256)
+    if (colorCount >= 256 || header(file).format != QImage::Format_Indexed8)
+        return;
+    const QList<QRgb> table = colorTable(file);
+    if (table.size() != 256)
         return;
     for (int c = qMax(colorCount, 0); c < 256; ++c) {
         remap[c] = 255;

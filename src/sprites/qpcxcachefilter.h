@@ -34,7 +34,7 @@ public:
         // Where the pixel lines end (found by walking the run-length stream,
         // see dataEnd()); -1 when the stream stops short of them.
         qsizetype dataEnd = -1;
-        // The 256 colours of the tail, as read() installs them; empty if none.
+        // The 256 colours of the tail (see colorTable()); empty if none.
         QList<QRgb> colorTable;
         bool isNull() const { return format == QImage::Format_Invalid; }
     };
@@ -50,6 +50,11 @@ public:
     // The colours that follow pixel lines ending at `dataEnd` in a depth-8
     // file, announced by the byte 12 (missing entries black); empty if none.
     static QList<QRgb> colorTableAt(QByteArrayView file, qsizetype dataEnd);
+    // The colours of a depth-8 file as a sprite file holds them: the 768
+    // bytes after the byte 12 that starts the file's last 769, where the
+    // engine takes them from, at no cost; failing that, colorTableAt() the
+    // end of the pixel lines. Empty if none.
+    static QList<QRgb> colorTable(QByteArrayView file);
     // The colour indices of the pixels past a palette of `colorCount` colours
     // move to the first index inside it that shows the same colour in the
     // file's own table, or to 255 (never to index 0, which shows nothing).

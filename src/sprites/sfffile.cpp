@@ -591,6 +591,7 @@ SffReader::Result SffReader::readV1(const QPaletteList &keptPalettes)
     qint64 pos = HeaderSize;
     // Nothing is decoded here: size and format come from the PCX header,
     // colours from its tail, and the stored bytes stay slices of the file's.
+    // A stream is walked only for colours that aren't in the tail.
     std::vector<QSpriteCache::Slice> slices;
     std::vector<QSpriteItem *> sliceOwners;
     const qint64 sliceable = qMin<qint64>(in.size(), 0xFFFFFFFFll);
@@ -651,13 +652,10 @@ SffReader::Result SffReader::readV1(const QPaletteList &keptPalettes)
             item->width = quint16(pcx.width);
             item->height = quint16(pcx.height);
             item->imageFormat = pcx.isNull() ? QImage::Format_Indexed8 : pcx.format;
-            // The colours follow the pixel lines, which only a walk over the
-            // stream finds: done for the sprites whose colours are asked for.
+            // Colours are looked for only where they are asked for.
             const bool portrait = isCharacter && isPortrait(sh.group, sh.number);
             const bool sharing = portrait ? charPal >= 0 : i != 0 && sh.samePalette == 1;
-            const QList<QRgb> table =
-                sharing || pcx.isNull() ? QList<QRgb>()
-                                        : QPCXCacheFilter::colorTableAt(stored, QPCXCacheFilter::dataEnd(stored));
+            const QList<QRgb> table = sharing || pcx.isNull() ? QList<QRgb>() : QPCXCacheFilter::colorTable(stored);
 
             int pal;
             if (portrait) {
@@ -1628,17 +1626,17 @@ void SffPlan::layoutVersion1(std::vector<char> &lost)
                 pcx = QPCXCacheFilter::header(stored);
             }
         }
-        // Where the pixel lines end and the colours that follow them take a
-        // walk over the stream: made once, and only where they are asked for
-        // (colours of its own, a palette short enough to move pixels).
-        bool walked = false;
-        auto walk = [&] {
-            if (!walked && storedPcx && !pcx.isNull())
-                pcx = QPCXCacheFilter::layout(stored);
-            walked = true;
-            return pcx;
+        // The colours (in the tail, as a rule) and where the pixel lines end
+        // (a walk over the stream) are found once, and only where they are
+        // asked for: colours of its own, a palette short enough to move
+        // pixels, a colour table to change.
+        std::optional<QList<QRgb>> ownColours;
+        auto colours = [&] {
+            if (!ownColours)
+                ownColours = storedPcx && !pcx.isNull() ? QPCXCacheFilter::colorTable(stored) : QList<QRgb>();
+            return *ownColours;
         };
-        auto canRetable = [&] { return storedPcx && walk().dataEnd >= 0; };
+        auto canRetable = [&] { return storedPcx && !pcx.isNull() && QPCXCacheFilter::dataEnd(stored) >= 0; };
         const bool canEncode = !storedPcx || (!pcx.isNull() && pcx.width <= 0xFFFC);
         // The loader's pixel fix for short palettes only runs on streams
         // that could hold the pixels they claim.
@@ -1646,7 +1644,7 @@ void SffPlan::layoutVersion1(std::vector<char> &lost)
 
         auto withTable = [&](int palette) {
             p.table = palette;
-            const QList<QRgb> table = walk().colorTable;
+            const QList<QRgb> table = colours();
             const QRGBPal own = spritePal(table);
             if (storedPcx && !table.isEmpty() && shownColours(palettes.colors(palette)) == shownColours(&own))
                 p.data = Planned::Stored;
@@ -1665,14 +1663,14 @@ void SffPlan::layoutVersion1(std::vector<char> &lost)
             const bool drop = read[size_t(r)].colorCount < 256;
             if (!storedPcx)
                 p.data = Planned::Encoded;
-            else if (drop && !walk().colorTable.isEmpty() && canRetable())
+            else if (drop && !colours().isEmpty() && canRetable())
                 p.data = Planned::StoredWithoutTable;
             else
                 p.data = Planned::Stored;
             p.table = -1;
             // The colours matter only to a short palette, which moves pixels
             // by them.
-            tableRead[idx] = p.data == Planned::Stored && drop ? walk().colorTable : QList<QRgb>();
+            tableRead[idx] = p.data == Planned::Stored && drop ? colours() : QList<QRgb>();
         };
 
         if (isCharacter && isPortrait(p.info.group, p.info.number)) {
