@@ -9,7 +9,8 @@ ExitCode usageError(Usage::Topic topic, const QString &text)
 }
 
 CommandStart startCommand(const QStringList &words, Usage::Topic topic,
-                          const QList<Arguments::Option> &options, const QStringList &positionalNames)
+                          const QList<Arguments::Option> &options, const QStringList &positionalNames,
+                          bool repeatLast)
 {
     CommandStart start;
     QString error;
@@ -30,7 +31,7 @@ CommandStart startCommand(const QStringList &words, Usage::Topic topic,
     const qsizetype given = start.args.positional().size();
     if (given < positionalNames.size()) {
         start.finished = usageError(topic, QStringLiteral("missing %1").arg(positionalNames.at(given)));
-    } else if (given > positionalNames.size()) {
+    } else if (given > positionalNames.size() && !repeatLast) {
         start.finished = usageError(topic, QStringLiteral("unexpected argument '%1'")
                                                .arg(start.args.positional().at(positionalNames.size())));
     }

@@ -15,8 +15,11 @@ struct CommandStart
     std::optional<ExitCode> finished;
 };
 
+// With `repeatLast`, the last positional argument may be given any number of
+// times (once at least).
 CommandStart startCommand(const QStringList &words, Usage::Topic topic,
-                          const QList<Arguments::Option> &options, const QStringList &positionalNames);
+                          const QList<Arguments::Option> &options, const QStringList &positionalNames,
+                          bool repeatLast = false);
 
 // The one line of a usage error, with the hint where help is, and the exit code.
 ExitCode usageError(Usage::Topic topic, const QString &text);

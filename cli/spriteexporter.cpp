@@ -4,6 +4,7 @@
 #include "palettepng.h"
 #include "progressmeter.h"
 #include "spritefile.h"
+#include "sprites/qspritedecoder.h"
 #include "sprites/qsprites.h"
 
 #include <QDir>
@@ -21,6 +22,11 @@ void SpriteExporter::warn(const QString &text)
 
 QImage SpriteExporter::exportImage(int index)
 {
+    return exportImage(index, [this, index] { return m_store.image(index); });
+}
+
+QImage SpriteExporter::exportImage(int index, const std::function<QImage()> &shown)
+{
     const QSpriteItem *sprite = m_store.item(index);
     if (!sprite)
         return QImage();
@@ -31,7 +37,7 @@ QImage SpriteExporter::exportImage(int index)
                  .arg(index).arg(sprite->info.group).arg(sprite->info.number).arg(sprite->width).arg(sprite->height));
         return QImage();
     }
-    QImage image = m_store.image(index);
+    QImage image = shown();
     if (image.isNull()) {
         if (sprite->width && sprite->height)
             warn(QStringLiteral("sprite %1 (%2,%3) could not be decoded; not exported")
@@ -72,7 +78,11 @@ bool SpriteExporter::exportTo(const QString &outDir, QString *error)
     const int count = m_store.count();
     ProgressMeter meter(QStringLiteral("Exporting %1").arg(m_fileName));
     bool allow = true;
-    for (int i = 0; i < count; ++i) {
+    // The sprites are decoded on every core, a batch at a time, and written
+    // here in file order.
+    bool written = true;
+    QSpriteDecoder(m_store, QSpriteDecoder::AsShown).run({}, [&](QSpriteDecoder::Result &result) {
+        const int i = result.index;
         const QSpriteItem &sprite = *m_store.item(i);
         SpriteListEntry entry;
         entry.index = i;
@@ -89,11 +99,10 @@ bool SpriteExporter::exportTo(const QString &outDir, QString *error)
             entry.paletteNumber = info.number;
         }
 
-        const QImage image = exportImage(i);
+        const QImage image = exportImage(i, [&result] { return std::move(result.image); });
         if (!image.isNull()) {
             entry.fileName = SpriteList::exportFileName(i, entry.group, entry.number);
             const QString path = dir.filePath(entry.fileName);
-            bool written;
             if (image.format() == QImage::Format_Indexed8) {
                 const QByteArray png = PalettePng::encode(image);
                 written = !png.isEmpty() && AtomicWrite::writeBytes(path, png, error);
@@ -107,7 +116,10 @@ bool SpriteExporter::exportTo(const QString &outDir, QString *error)
         }
         m_entries.append(entry);
         meter.update(uint(i + 1), uint(count), allow);
-    }
+        return true;
+    });
     meter.finish();
+    if (!written)
+        return false;
     return AtomicWrite::writeBytes(dir.filePath(QStringLiteral("sprites.txt")), SpriteList::text(m_entries), error);
 }

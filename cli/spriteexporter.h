@@ -6,6 +6,8 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
+
 class QSprites;
 
 // Writes every sprite of a store as a PNG into a folder, with sprites.txt as
@@ -30,6 +32,9 @@ public:
     QImage exportImage(int index);
 
 private:
+    // The same with the image the store shows given by `shown`, asked for
+    // only if the sprite is to be exported.
+    QImage exportImage(int index, const std::function<QImage()> &shown);
     void warn(const QString &text);
 
     const QSprites &m_store;

@@ -5,6 +5,7 @@
 #include "filekind.h"
 #include "progressmeter.h"
 #include "spriteexporter.h"
+#include "spritecheck.h"
 #include "spritefile.h"
 
 #include <QFileInfo>
@@ -16,7 +17,8 @@ namespace SpritesCommand {
 ExitCode run(const QStringList &words)
 {
     return runSubcommand(words, Usage::Topic::Sprites, QStringLiteral("sprites"),
-                         {{"export", exportSprites}, {"convert", convert}, {"render", render}});
+                         {{"export", exportSprites}, {"convert", convert}, {"render", render},
+                          {"check", SpriteCheck::run}});
 }
 
 } // namespace SpritesCommand

@@ -17,7 +17,8 @@ QString formatName(int filter, bool isLink)
         return QStringLiteral("link");
     switch (filter) {
     case 0: return QStringLiteral("raw");
-    case 1: return QStringLiteral("PCX");
+    case 1:
+    case 6: return QStringLiteral("PCX"); // 6: shown on a 32-colour palette
     case 2: return QStringLiteral("RLE8");
     case 3: return QStringLiteral("RLE5");
     case 4: return QStringLiteral("LZ5");

@@ -28,6 +28,8 @@ QString commandName(Topic topic)
     case Topic::SoundsInfo: return QStringLiteral("brawlforge-cli sounds info");
     case Topic::SoundsExport: return QStringLiteral("brawlforge-cli sounds export");
     case Topic::SoundsPack: return QStringLiteral("brawlforge-cli sounds pack");
+        break;
+    case Topic::SpritesCheck: return QStringLiteral("brawlforge-cli sprites check");
     }
     return QString();
 }
@@ -61,6 +63,8 @@ QString text(Topic topic)
             "                                            saves a sprite file in another version\n"
             "  sprites render FILE.sff|FILE.def GROUP,NUMBER OUT.png [--palette G,N]\n"
             "                 [--zoom Z] [--stage]          one sprite drawn as the stage draws it\n"
+            "  sprites check FILE.sff... [--json]        decodes every sprite and names those\n"
+            "                                            that can't be decoded\n"
             "  project info FILE.def [--json]            opens a project as the program does\n"
             "                                            and lists its files and issues\n"
             "  animations info FILE.air|FILE.def [--json]\n"
@@ -102,9 +106,10 @@ QString text(Topic topic)
             "       brawlforge-cli sprites convert IN.sff OUT.sff --to 1.01|2.00|2.01 [--character]\n"
             "       brawlforge-cli sprites render FILE.sff|FILE.def GROUP,NUMBER OUT.png [--palette G,N]\n"
             "                                     [--zoom Z] [--stage]\n"
+            "       brawlforge-cli sprites check FILE.sff... [--json]\n"
             "\n"
-            "See 'brawlforge-cli sprites export --help', 'brawlforge-cli sprites convert --help'\n"
-            "and 'brawlforge-cli sprites render --help'.\n");
+            "See 'brawlforge-cli sprites export --help', 'brawlforge-cli sprites convert --help',\n"
+            "'brawlforge-cli sprites render --help' and 'brawlforge-cli sprites check --help'.\n");
         break;
     case Topic::SpritesExport:
         body = QStringLiteral(
@@ -234,6 +239,27 @@ QString text(Topic topic)
             "Options:\n"
             "  --frame K      the frame to draw, from 0\n"
             "  --boxes        draw the collision boxes in force in that frame\n");
+        break;
+    case Topic::SpritesCheck:
+        body = QStringLiteral(
+            "Usage: brawlforge-cli sprites check FILE.sff... [--json]\n"
+            "\n"
+            "Decodes every sprite of each file in memory, on every core, and names each\n"
+            "one whose data can't be decoded whole (cut short, unreadable, or claiming a\n"
+            "size no sprite has) on standard error as \"file(index): text\", after the\n"
+            "issues of the load. Then one line per file on standard output:\n"
+            "  FILE: SFF VERSION, N sprites (L linked), all intact | B broken\n"
+            "Nothing is written. A linked sprite shows the sprite it links to and is\n"
+            "not named on its own.\n"
+            "\n"
+            "With --json, one document:\n"
+            "  {\"files\": [{\"file\", \"version\", \"sprites\", \"linked\",\n"
+            "              \"broken\": [{\"index\", \"group\", \"number\", \"reason\"}],\n"
+            "              \"issues\": [{\"kind\", \"text\"}]}]}\n"
+            "where a file that can't be used has \"error\" instead of the counts.\n"
+            "\n"
+            "Options:\n"
+            "  --json         print one JSON document instead of text\n");
         break;
     case Topic::AnimationsConvert:
         body = QStringLiteral(

@@ -7,7 +7,7 @@ namespace Usage {
 
 enum class Topic { Tool, Info, Sprites, SpritesExport, SpritesConvert, SpritesRender, Project, ProjectInfo, Animations,
                    AnimationsInfo, AnimationsConvert, AnimationsGif, AnimationsRender,
-                   Check, Sounds, SoundsInfo, SoundsExport, SoundsPack };
+                   Check, Sounds, SoundsInfo, SoundsExport, SoundsPack, SpritesCheck };
 
 QString text(Topic topic);
 QString versionLine();

@@ -3,6 +3,7 @@
 // the codecs behind them and the writer all see damaged input.
 #include "base/qmessages.h"
 #include "sprites/qbfcachefilter.h"
+#include "sprites/qspritedecoder.h"
 #include "sprites/qsprites.h"
 
 #include <QCoreApplication>
@@ -54,6 +55,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
         return 0;
     for (int i = 0; i < sprites.count(); ++i)
         (void)sprites.image(i);
+    // The same sprites decoded all at once, on every core.
+    QSpriteDecoder(sprites, size % 2 ? QSpriteDecoder::Rgba : QSpriteDecoder::AsShown)
+        .run({}, [](QSpriteDecoder::Result &) { return true; });
 
     const quint32 versions[] = {0x01000100, 0x02000000, 0x02000100};
     const QString out = dir.filePath("out.sff");

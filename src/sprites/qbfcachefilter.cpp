@@ -25,6 +25,12 @@ FilterTable &table()
 
 QBFCacheFilter::~QBFCacheFilter() = default;
 
+QByteArray QBFCacheFilter::decodeChecked(const QByteArray &stored, const QSpriteSize &size, bool *complete) const
+{
+    *complete = true;
+    return decode(stored, size);
+}
+
 void QBFCacheFilter::createFilters()
 {
     FilterTable &t = table();
@@ -35,6 +41,7 @@ void QBFCacheFilter::createFilters()
     t.filters[RLE5] = std::make_unique<QRLE5CacheFilter>();
     t.filters[LZ5] = std::make_unique<QLZ5CacheFilter>();
     t.filters[PNG] = std::make_unique<QPNGCacheFilter>();
+    t.filters[PCXShortPalette] = std::make_unique<QPCXShortPaletteFilter>();
     t.byPass = std::make_unique<QByPassCacheFilter>();
 }
 

@@ -14,10 +14,17 @@
 class QBFCacheFilter
 {
 public:
-    enum Slot : quint16 { None = 0, PCX = 1, RLE8 = 2, RLE5 = 3, LZ5 = 4, PNG = 5, SlotCount = 6 };
+    // PCXShortPalette: a PCX whose pixels past a 32-colour palette move
+    // inside it as they are decoded (QPCXShortPaletteFilter).
+    enum Slot : quint16 { None = 0, PCX = 1, RLE8 = 2, RLE5 = 3, LZ5 = 4, PNG = 5, PCXShortPalette = 6, SlotCount = 7 };
 
     virtual ~QBFCacheFilter();
+    // Filters keep no state: once created they may decode on any thread.
     virtual QByteArray decode(const QByteArray &stored, const QSpriteSize &size) const = 0;
+    // decode(), telling as well whether the stored bytes held the whole
+    // image: false where they can't be read or end before the last pixel
+    // (decode() shows what is missing as zeros).
+    virtual QByteArray decodeChecked(const QByteArray &stored, const QSpriteSize &size, bool *complete) const;
 
     // Creates the shared filters; called once at start-up, before any project
     // is loaded. Calling it again does nothing.

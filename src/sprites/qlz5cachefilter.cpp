@@ -6,10 +6,12 @@
 
 #include "sprites/qcodecreader.h"
 
-QByteArray QLZ5CacheFilter::decode(const QByteArray &stored, const QSpriteSize &size) const
+QByteArray QLZ5CacheFilter::decodeChecked(const QByteArray &stored, const QSpriteSize &size, bool *complete) const
 {
     const QSpriteSize target(size.width, size.height, QImage::Format_Indexed8);
     const qsizetype total = qsizetype(target.width) * target.height;
+    if (complete)
+        *complete = total == 0;
     if (total == 0)
         return QByteArray();
     // Back references work on a flat buffer, without line padding.
@@ -65,6 +67,8 @@ QByteArray QLZ5CacheFilter::decode(const QByteArray &stored, const QSpriteSize &
         }
         packet = (packet + 1) & 7;
     }
+    if (complete)
+        *complete = pos >= total;
     return target.padLines(flat, target.width);
 }
 

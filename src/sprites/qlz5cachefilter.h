@@ -7,7 +7,11 @@
 class QLZ5CacheFilter : public QBFCacheFilter
 {
 public:
-    QByteArray decode(const QByteArray &stored, const QSpriteSize &size) const override;
+    QByteArray decode(const QByteArray &stored, const QSpriteSize &size) const override
+    {
+        return decodeChecked(stored, size, nullptr);
+    }
+    QByteArray decodeChecked(const QByteArray &stored, const QSpriteSize &size, bool *complete) const override;
 
     // Encodes pixels given without line padding. With `search` off only colour
     // runs are written: a valid stream, much faster to make, larger.

@@ -24,8 +24,10 @@ QImage::Format formatForDepth(int depth)
 // decoded and dropped). Work is bounded by the stored bytes and the output:
 // once the stream has ended every further value is 0, which the blank image
 // already holds.
-QImage readPcx(const QByteArray &file, int clipW, int clipH)
+QImage readPcx(const QByteArray &file, int clipW, int clipH, bool *complete = nullptr)
 {
+    if (complete)
+        *complete = false;
     QCodecReader in(file);
     if (in.next() != 10 || in.next() != 5)
         return QImage();
@@ -63,7 +65,42 @@ QImage readPcx(const QByteArray &file, int clipW, int clipH)
     quint8 value = 0;
     int pending = 0; // values of the current run still to hand out
     bool ended = false;
-    for (int y = 0; y < height && !ended; ++y) {
+    const bool bytePixels = planes == 1 && format == QImage::Format_Indexed8;
+    if (bytePixels) {
+        // The common sprite, one byte a pixel: runs go into the line whole.
+        const uchar *data = reinterpret_cast<const uchar *>(file.constData());
+        const uchar *const end = data + file.size();
+        const uchar *src = data + in.pos();
+        for (int y = 0; y < height && !ended; ++y) {
+            uchar *line = image.scanLine(y);
+            qsizetype x = 0;
+            while (x < bytesPerLine) {
+                if (pending == 0) {
+                    if (src >= end) {
+                        ended = true;
+                        break;
+                    }
+                    const uchar b = *src++;
+                    if (b >= 192) {
+                        pending = b & 63;
+                        value = src < end ? *src++ : 0;
+                    } else {
+                        pending = 1;
+                        value = b;
+                    }
+                    if (pending == 0)
+                        continue;
+                }
+                const qsizetype n = qMin<qsizetype>(pending, bytesPerLine - x);
+                if (x < width)
+                    std::memset(line + x, value, size_t(qMin<qsizetype>(x + n, width) - x));
+                x += n;
+                pending -= int(n);
+            }
+        }
+        in.seek(src - data);
+    }
+    for (int y = 0; y < height && !ended && !bytePixels; ++y) {
         uchar *line = image.scanLine(y);
         for (int p = 0; p < planes && !ended; ++p) {
             qsizetype x = 0;
@@ -104,6 +141,8 @@ QImage readPcx(const QByteArray &file, int clipW, int clipH)
             }
         }
     }
+    if (complete)
+        *complete = !ended;
     if (format == QImage::Format_RGB32) {
         for (int y = 0; y < height; ++y) {
             QRgb *px = reinterpret_cast<QRgb *>(image.scanLine(y));
@@ -135,20 +174,31 @@ QImage QPCXCacheFilter::read(const QByteArray &file)
     return readPcx(file, 0x10000, 0x10000);
 }
 
-QPCXCacheFilter::Layout QPCXCacheFilter::layout(const QByteArray &file)
+namespace {
+// The header with zeros where the file is shorter, as the reader sees it.
+struct Header
+{
+    uchar bytes[HeaderSize] = {};
+    explicit Header(QByteArrayView file)
+    {
+        if (!file.isEmpty())
+            std::memcpy(bytes, file.data(), size_t(qMin<qsizetype>(file.size(), HeaderSize)));
+    }
+};
+} // namespace
+
+QPCXCacheFilter::Layout QPCXCacheFilter::header(QByteArrayView file)
 {
     Layout out;
-    QCodecReader in(file);
-    if (in.next() != 10 || in.next() != 5)
+    const Header head(file);
+    const uchar *h = head.bytes;
+    if (h[0] != 10 || h[1] != 5)
         return out;
-    in.seek(3);
-    const int bitsPerPixel = in.next();
-    const int xMin = in.next16(), yMin = in.next16(), xMax = in.next16(), yMax = in.next16();
-    in.seek(65);
-    const int planes = in.next();
-    const qint64 bytesPerLine = in.next16();
-    const int depth = bitsPerPixel * planes;
-    const QImage::Format format = formatForDepth(depth);
+    const int bitsPerPixel = h[3];
+    const int xMin = qFromLittleEndian<quint16>(h + 4), yMin = qFromLittleEndian<quint16>(h + 6);
+    const int xMax = qFromLittleEndian<quint16>(h + 8), yMax = qFromLittleEndian<quint16>(h + 10);
+    const int planes = h[65];
+    const QImage::Format format = formatForDepth(bitsPerPixel * planes);
     // The same limits as read(), so that both agree on what a sprite is.
     const int width = qMin(xMax + 1 - xMin, 0x10000);
     const int height = qMin(yMax + 1 - yMin, 0x10000);
@@ -158,39 +208,99 @@ QPCXCacheFilter::Layout QPCXCacheFilter::layout(const QByteArray &file)
     out.width = width;
     out.height = height;
     out.format = format;
+    return out;
+}
 
+qsizetype QPCXCacheFilter::dataEnd(QByteArrayView file)
+{
+    const Header head(file);
+    const uchar *h = head.bytes;
+    const uchar *data = reinterpret_cast<const uchar *>(file.data());
+    const int yMin = qFromLittleEndian<quint16>(h + 6), yMax = qFromLittleEndian<quint16>(h + 10);
+    const int height = qMin(yMax + 1 - yMin, 0x10000);
     // Every line takes bytesPerLine values per plane; a run left over at the
     // end is dropped, as read() drops it.
-    const qint64 wanted = qint64(height) * planes * bytesPerLine;
+    const qint64 wanted = qint64(qMax(height, 0)) * h[65] * qFromLittleEndian<quint16>(h + 66);
     qint64 got = 0;
-    in.seek(HeaderSize);
+    const qsizetype size = file.size();
+    qsizetype pos = qMin<qsizetype>(HeaderSize, size);
     while (got < wanted) {
-        if (in.atEnd())
-            return out;
-        const quint8 b = in.next();
-        if (b >= 192) {
-            in.next();
-            got += b & 63;
-        } else {
-            ++got;
-        }
+        if (pos >= size)
+            return -1;
+        const uchar b = data[pos];
+        const bool run = b >= 192;
+        got += run ? (b & 63) : 1;
+        pos += run ? 2 : 1;
     }
-    out.dataEnd = in.pos();
-    if (depth == 8 && !in.atEnd() && in.next() == 12 && !in.atEnd()) {
-        out.colorTable.resize(256);
-        for (QRgb &c : out.colorTable) {
-            const quint8 r = in.next(), g = in.next(), b = in.next();
-            c = qRgb(r, g, b);
-        }
+    // A run whose value byte is missing ends the stream there.
+    return qMin(pos, size);
+}
+
+QList<QRgb> QPCXCacheFilter::colorTableAt(QByteArrayView file, qsizetype end)
+{
+    QList<QRgb> table;
+    const Header head(file);
+    if (end < 0 || end + 1 >= file.size() || head.bytes[3] * head.bytes[65] != 8 || file[end] != 12)
+        return table;
+    QCodecReader in(reinterpret_cast<const uchar *>(file.data()), file.size());
+    in.seek(end + 1);
+    table.resize(256);
+    for (QRgb &c : table) {
+        const quint8 r = in.next(), g = in.next(), b = in.next();
+        c = qRgb(r, g, b);
     }
+    return table;
+}
+
+QList<QRgb> QPCXCacheFilter::colorTable(QByteArrayView file)
+{
+    const qsizetype tail = file.size() - 769;
+    if (tail >= HeaderSize && file[tail] == 12)
+        return colorTableAt(file, tail);
+    return colorTableAt(file, dataEnd(file));
+}
+
+QPCXCacheFilter::Layout QPCXCacheFilter::layout(QByteArrayView file)
+{
+    Layout out = header(file);
+    if (out.isNull())
+        return out;
+    out.dataEnd = dataEnd(file);
+    const qsizetype tail = file.size() - 769;
+    out.colorTable = colorTableAt(file, tail >= HeaderSize && file[tail] == 12 ? tail : out.dataEnd);
     return out;
+}
+
+void QPCXCacheFilter::shortPaletteRemap(QByteArrayView file, int colorCount, uchar remap[256])
+{
+    for (int c = 0; c < 256; ++c)
+        remap[c] = uchar(c);
+    if (colorCount >= 256 || header(file).format != QImage::Format_Indexed8)
+        return;
+    const QList<QRgb> table = colorTable(file);
+    if (table.size() != 256)
+        return;
+    for (int c = qMax(colorCount, 0); c < 256; ++c) {
+        remap[c] = 255;
+        for (int k = 1; k < colorCount; ++k)
+            if (table[k] == table[c]) {
+                remap[c] = uchar(k);
+                break;
+            }
+    }
 }
 
 QByteArray QPCXCacheFilter::decode(const QByteArray &stored, const QSpriteSize &size) const
 {
+    bool complete;
+    return decodeChecked(stored, size, &complete);
+}
+
+QByteArray QPCXCacheFilter::decodeChecked(const QByteArray &stored, const QSpriteSize &size, bool *complete) const
+{
     if (size.isEmpty())
-        return QSpriteSize::rawBytes(read(stored));
-    QImage image = readPcx(stored, size.width, size.height);
+        return QSpriteSize::rawBytes(readPcx(stored, 0x10000, 0x10000, complete));
+    QImage image = readPcx(stored, size.width, size.height, complete);
     if (!image.isNull() && image.format() != size.imageFormat)
         image = image.convertToFormat(size.imageFormat);
     QByteArray out(size.byteCount(), '\0');
@@ -268,4 +378,39 @@ QByteArray QPCXCacheFilter::write(const QImage &source)
         out.append(char(qBlue(c)));
     }
     return out;
+}
+
+QByteArray QPCXShortPaletteFilter::decodeChecked(const QByteArray &stored, const QSpriteSize &size,
+                                                 bool *complete) const
+{
+    QByteArray out = QPCXCacheFilter::decodeChecked(stored, size, complete);
+    if (!size.isEmpty() && size.imageFormat != QImage::Format_Indexed8)
+        return out;
+    uchar remap[256];
+    shortPaletteRemap(stored, ColorCount, remap);
+    uchar *p = reinterpret_cast<uchar *>(out.data());
+    for (qsizetype i = 0, n = out.size(); i < n; ++i)
+        p[i] = remap[p[i]];
+    return out;
+}
+
+bool QPCXShortPaletteFilter::changesPixels(const QByteArray &stored)
+{
+    uchar remap[256];
+    shortPaletteRemap(stored, ColorCount, remap);
+    bool any = false;
+    for (int c = ColorCount; c < 256; ++c)
+        any |= remap[c] != c;
+    if (!any)
+        return false;
+    const QImage image = read(stored);
+    if (image.format() != QImage::Format_Indexed8)
+        return false;
+    for (int y = 0; y < image.height(); ++y) {
+        const uchar *line = image.constScanLine(y);
+        for (int x = 0; x < image.width(); ++x)
+            if (remap[line[x]] != line[x])
+                return true;
+    }
+    return false;
 }

@@ -4,10 +4,12 @@
 
 #include "sprites/qcodecreader.h"
 
-QByteArray QRLE5CacheFilter::decode(const QByteArray &stored, const QSpriteSize &size) const
+QByteArray QRLE5CacheFilter::decodeChecked(const QByteArray &stored, const QSpriteSize &size, bool *complete) const
 {
     const QSpriteSize target(size.width, size.height, QImage::Format_Indexed8);
     QByteArray out(target.byteCount(), '\0');
+    if (complete)
+        *complete = out.isEmpty();
     if (out.isEmpty())
         return out;
     const qsizetype width = target.width;
@@ -39,5 +41,7 @@ QByteArray QRLE5CacheFilter::decode(const QByteArray &stored, const QSpriteSize 
             put(e & 31, (e >> 5) + 1);
         }
     }
+    if (complete)
+        *complete = y >= target.height;
     return out;
 }

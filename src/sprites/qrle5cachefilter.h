@@ -6,5 +6,9 @@
 class QRLE5CacheFilter : public QBFCacheFilter
 {
 public:
-    QByteArray decode(const QByteArray &stored, const QSpriteSize &size) const override;
+    QByteArray decode(const QByteArray &stored, const QSpriteSize &size) const override
+    {
+        return decodeChecked(stored, size, nullptr);
+    }
+    QByteArray decodeChecked(const QByteArray &stored, const QSpriteSize &size, bool *complete) const override;
 };

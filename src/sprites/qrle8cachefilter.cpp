@@ -17,11 +17,13 @@ int lineDepth(QImage::Format format)
 }
 } // namespace
 
-QByteArray QRLE8CacheFilter::decode(const QByteArray &stored, const QSpriteSize &size) const
+QByteArray QRLE8CacheFilter::decodeChecked(const QByteArray &stored, const QSpriteSize &size, bool *complete) const
 {
     QByteArray out(size.byteCount(), '\0');
     const qsizetype lineBytes = qsizetype(size.width) * lineDepth(size.imageFormat) / 8;
     const qsizetype stride = size.bytesPerLine();
+    if (complete)
+        *complete = out.isEmpty();
     if (out.isEmpty() || lineBytes <= 0 || lineBytes > stride)
         return out;
     char *dst = out.data();
@@ -50,6 +52,8 @@ QByteArray QRLE8CacheFilter::decode(const QByteArray &stored, const QSpriteSize 
             put(b, 1);
         }
     }
+    if (complete)
+        *complete = y >= size.height;
     return out;
 }
 

@@ -6,7 +6,11 @@
 class QRLE8CacheFilter : public QBFCacheFilter
 {
 public:
-    QByteArray decode(const QByteArray &stored, const QSpriteSize &size) const override;
+    QByteArray decode(const QByteArray &stored, const QSpriteSize &size) const override
+    {
+        return decodeChecked(stored, size, nullptr);
+    }
+    QByteArray decodeChecked(const QByteArray &stored, const QSpriteSize &size, bool *complete) const override;
     // Encodes pixels given without line padding.
     static QByteArray encode(const QByteArray &pixels);
 };

@@ -229,6 +229,11 @@ quint64 QSpriteCache::decodeCount()
     return s_decodes.load(std::memory_order_relaxed);
 }
 
+void QSpriteCache::countDecodes(quint64 count)
+{
+    s_decodes.fetch_add(count, std::memory_order_relaxed);
+}
+
 bool QSpriteCache::get(quint32 id, QByteArray &out, const QBFCacheFilter *filter, const QSpriteSize &size) const
 {
     const QCacheEntry *e = entry(id);

@@ -95,6 +95,8 @@ public:
     // produced pixels or samples, process-wide. Lets tests prove that an
     // operation never looked at image data.
     static quint64 decodeCount();
+    // Adds decodes made straight through the filters (see QSpriteDecoder).
+    static void countDecodes(quint64 count);
 
     QSpriteRecordPool *recordPool() const { return m_pool; }
 

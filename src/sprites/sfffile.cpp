@@ -21,6 +21,7 @@
 #include <bitset>
 #include <functional>
 #include <optional>
+#include <unordered_map>
 #include <cstring>
 #include <memory>
 #include <utility>
@@ -588,6 +589,28 @@ SffReader::Result SffReader::readV1(const QPaletteList &keptPalettes)
     int charPal = s.m_palettes.find(0, 1, 1);
     int last = 0;
     qint64 pos = HeaderSize;
+    // Nothing is decoded here: size and format come from the PCX header,
+    // colours from its tail, and the stored bytes stay slices of the file's.
+    // A stream is walked only for colours that aren't in the tail.
+    std::vector<QSpriteCache::Slice> slices;
+    std::vector<QSpriteItem *> sliceOwners;
+    const qint64 sliceable = qMin<qint64>(in.size(), 0xFFFFFFFFll);
+    // Palettes by their colours, for the lookup that shares equal ones.
+    std::unordered_multimap<size_t, int> byColours;
+    for (int p = 0; p < s.m_palettes.count(); ++p)
+        byColours.emplace(qHashBits(s.m_palettes.item(p)->colors.bytes(), sizeof(QRGBPal)), p);
+    auto addPalette = [&](const QRGBPal &colors, qint16 group) {
+        const size_t key = qHashBits(colors.bytes(), sizeof(QRGBPal));
+        int found = -1;
+        for (auto [it, end] = byColours.equal_range(key); it != end; ++it)
+            if (s.m_palettes.item(it->second)->colors == colors && (found < 0 || it->second < found))
+                found = it->second;
+        if (found >= 0)
+            return found;
+        const int added = s.m_palettes.add(colors, false, group, -1);
+        byColours.emplace(key, added);
+        return added;
+    };
     for (uint i = 0; i < images; ++i) {
         if (in.size() - pos < SubheaderSize) {
             warn(IssueLog::FileEnds, int(i),
@@ -618,81 +641,85 @@ SffReader::Result SffReader::readV1(const QPaletteList &keptPalettes)
                      QT_TR_NOOP("more sprites cut short"));
                 count = in.size() - dataStart;
             }
-            QByteArray stored(reinterpret_cast<const char *>(data + dataStart), qsizetype(count));
+            const QByteArrayView stored(data + dataStart, qsizetype(count));
             pos = dataStart + count;
 
-            // Size and colours come from walking the stream, not from
-            // decoding it: a damaged header can claim any size.
-            const QPCXCacheFilter::Layout pcx = QPCXCacheFilter::layout(stored);
+            const QPCXCacheFilter::Layout pcx = QPCXCacheFilter::header(stored);
             if (pcx.isNull())
                 warn(IssueLog::SpriteUnreadable, int(i),
                      tr("the image of sprite %1,%2 can't be read").arg(sh.group).arg(sh.number),
                      QT_TR_NOOP("more sprites that can't be read"));
-            const QList<QRgb> &table = pcx.colorTable;
             item->width = quint16(pcx.width);
             item->height = quint16(pcx.height);
             item->imageFormat = pcx.isNull() ? QImage::Format_Indexed8 : pcx.format;
+            // Colours are looked for only where they are asked for.
+            const bool portrait = isCharacter && isPortrait(sh.group, sh.number);
+            const bool sharing = portrait ? charPal >= 0 : i != 0 && sh.samePalette == 1;
+            const QList<QRgb> table = sharing || pcx.isNull() ? QList<QRgb>() : QPCXCacheFilter::colorTable(stored);
 
             int pal;
-            if (isCharacter && isPortrait(sh.group, sh.number)) {
+            if (portrait) {
                 if (charPal < 0) {
                     QRGBPal colors = table.isEmpty() ? zeroPal() : spritePal(table);
                     if (table.isEmpty())
                         emit s.charPalette(&colors); // the project supplies the colours as they are
                     charPal = s.m_palettes.add(colors, false, 1, 1);
+                    byColours.emplace(qHashBits(colors.bytes(), sizeof(QRGBPal)), charPal);
                 }
                 pal = charPal;
-            } else if ((i != 0 && sh.samePalette == 1) || (table.isEmpty() && !owned.empty())) {
+            } else if (sharing || (table.isEmpty() && !owned.empty())) {
                 pal = last;
             } else {
                 if (table.isEmpty())
                     warn(IssueLog::NoColours, int(i),
                          tr("sprite %1,%2 has no colours of its own and none to share").arg(sh.group).arg(sh.number),
                          QT_TR_NOOP("more sprites without colours"));
-                pal = s.m_palettes.add(table.isEmpty() ? zeroPal() : spritePal(table), true, qint16(sh.group), -1);
+                pal = addPalette(table.isEmpty() ? zeroPal() : spritePal(table), qint16(sh.group));
             }
             item->info.palette = quint16(pal);
 
             // Pixels past a short palette are moved to an index of the same
             // colour inside it, so that the sprite can later be packed as LZ5.
-            // Never to index 0, which shows nothing. Only a stream that could
-            // hold the pixels is decoded for this: a damaged header must not
-            // cost memory the file's bytes don't justify.
+            // Never to index 0, which shows nothing. That happens as the
+            // sprite is decoded, through a filter of its own (which finds out
+            // whether the file has colours to move by), and the stored bytes
+            // stay as they are. Only a stream that could hold the pixels is
+            // moved: a damaged header must not cost memory the file's bytes
+            // don't justify.
             const QPaletteItem *palItem = s.m_palettes.item(pal);
             const int colorCount = palItem ? palItem->colorCount : 256;
             const qint64 claimed = qint64(pcx.width) * pcx.height;
-            QImage img;
-            if (pcx.format == QImage::Format_Indexed8 && colorCount < 256 && table.size() == 256
-                && claimed <= 64 * qint64(stored.size()) + 65536)
-                img = QPCXCacheFilter::read(stored);
-            if (!img.isNull() && img.format() == QImage::Format_Indexed8) {
+            const bool shortPalette = pcx.format == QImage::Format_Indexed8 && colorCount < 256
+                                      && (sharing || table.size() == 256)
+                                      && claimed <= 64 * qint64(stored.size()) + 65536;
+            if (shortPalette && colorCount != QPCXShortPaletteFilter::ColorCount) {
+                // A palette of another length (from a palette file): the
+                // pixels are moved now.
+                const QByteArray copy = stored.toByteArray();
+                uchar remap[256];
+                QPCXCacheFilter::shortPaletteRemap(copy, colorCount, remap);
+                QImage img = QPCXCacheFilter::read(copy);
                 bool changed = false;
-                int remap[256];
-                for (int c = 0; c < 256; ++c) {
-                    remap[c] = c;
-                    if (c < colorCount)
-                        continue;
-                    remap[c] = 255;
-                    for (int k = 1; k < colorCount; ++k)
-                        if (table[k] == table[c]) {
-                            remap[c] = k;
-                            break;
-                        }
-                }
                 for (int y = 0; y < img.height(); ++y) {
                     uchar *line = img.scanLine(y);
                     for (int x = 0; x < img.width(); ++x)
                         if (remap[line[x]] != line[x]) {
-                            line[x] = uchar(remap[line[x]]);
+                            line[x] = remap[line[x]];
                             changed = true;
                         }
                 }
-                if (changed) {
-                    item->filter = QBFCacheFilter::None;
-                    stored = QSpriteSize::rawBytes(img);
+                item->filter = changed ? QBFCacheFilter::None : QBFCacheFilter::PCX;
+                item->cacheId = s.m_cache.add(changed ? QSpriteSize::rawBytes(img) : copy, changed);
+            } else {
+                if (shortPalette)
+                    item->filter = QBFCacheFilter::PCXShortPalette;
+                if (dataStart + count <= sliceable) {
+                    slices.push_back({quint32(dataStart), quint32(count)});
+                    sliceOwners.push_back(item.get());
+                } else {
+                    item->cacheId = s.m_cache.add(stored.toByteArray(), false);
                 }
             }
-            item->cacheId = s.m_cache.add(stored, item->filter == QBFCacheFilter::None);
             last = pal;
         } else {
             pos = nextValid ? qint64(sh.next) : dataStart;
@@ -720,6 +747,12 @@ SffReader::Result SffReader::readV1(const QPaletteList &keptPalettes)
         owned.push(std::move(item));
         if (!progress(i + 1, images))
             return Failed;
+    }
+    if (!slices.empty()) {
+        std::vector<quint32> ids(slices.size());
+        s.m_cache.addSlices(wholeFile, slices.data(), qsizetype(slices.size()), ids.data());
+        for (size_t k = 0; k < ids.size(); ++k)
+            sliceOwners[k]->cacheId = ids[k];
     }
     return Loaded;
 }
@@ -1066,6 +1099,15 @@ public:
         const qsizetype length = bytes.size();
         m_pieces.push_back(Piece{bytes.constData(), length, 0, false});
         keep(std::move(bytes));
+        m_size += length;
+    }
+
+    // `length` bytes of `bytes` from `from`; the array must not change
+    // (grow, or be written to) while the block is in use.
+    void appendPart(const QByteArray &bytes, qsizetype from, qsizetype length)
+    {
+        m_pieces.push_back(Piece{bytes.constData() + from, length, 0, false});
+        keep(bytes);
         m_size += length;
     }
 
@@ -1568,15 +1610,33 @@ void SffPlan::layoutVersion1(std::vector<char> &lost)
 
         // Stored PCX bytes (from a version 1 file, never edited) go out as
         // they are, whatever they hold; at most their colour table changes.
+        // A PCX that moves pixels past a short palette as it is decoded is
+        // stored PCX as long as the move changes nothing.
         QPCXCacheFilter::Layout pcx;
         QByteArray stored;
         const QSpriteItem *item = s.item(p.source);
-        const bool storedPcx = p.image.isNull() && item && item->filter == QBFCacheFilter::PCX;
+        bool storedPcx = p.image.isNull() && item
+                         && (item->filter == QBFCacheFilter::PCX || item->filter == QBFCacheFilter::PCXShortPalette);
         if (storedPcx) {
             s.m_cache.get(item->cacheId, stored, byPass);
-            pcx = QPCXCacheFilter::layout(stored);
+            if (item->filter == QBFCacheFilter::PCXShortPalette && QPCXShortPaletteFilter::changesPixels(stored)) {
+                storedPcx = false;
+                stored.clear();
+            } else {
+                pcx = QPCXCacheFilter::header(stored);
+            }
         }
-        const bool canRetable = storedPcx && pcx.dataEnd >= 0;
+        // The colours (in the tail, as a rule) and where the pixel lines end
+        // (a walk over the stream) are found once, and only where they are
+        // asked for: colours of its own, a palette short enough to move
+        // pixels, a colour table to change.
+        std::optional<QList<QRgb>> ownColours;
+        auto colours = [&] {
+            if (!ownColours)
+                ownColours = storedPcx && !pcx.isNull() ? QPCXCacheFilter::colorTable(stored) : QList<QRgb>();
+            return *ownColours;
+        };
+        auto canRetable = [&] { return storedPcx && !pcx.isNull() && QPCXCacheFilter::dataEnd(stored) >= 0; };
         const bool canEncode = !storedPcx || (!pcx.isNull() && pcx.width <= 0xFFFC);
         // The loader's pixel fix for short palettes only runs on streams
         // that could hold the pixels they claim.
@@ -1584,16 +1644,17 @@ void SffPlan::layoutVersion1(std::vector<char> &lost)
 
         auto withTable = [&](int palette) {
             p.table = palette;
-            const QRGBPal own = spritePal(pcx.colorTable);
-            if (storedPcx && !pcx.colorTable.isEmpty() && shownColours(palettes.colors(palette)) == shownColours(&own))
+            const QList<QRgb> table = colours();
+            const QRGBPal own = spritePal(table);
+            if (storedPcx && !table.isEmpty() && shownColours(palettes.colors(palette)) == shownColours(&own))
                 p.data = Planned::Stored;
-            else if (canRetable)
+            else if (canRetable())
                 p.data = Planned::StoredWithTable;
             else if (canEncode)
                 p.data = Planned::Encoded;
             else
                 p.data = Planned::Stored;
-            tableRead[idx] = p.data == Planned::Stored ? pcx.colorTable : tableOf(palette);
+            tableRead[idx] = p.data == Planned::Stored ? table : tableOf(palette);
         };
         // Colours the loader takes from elsewhere: a new PCX goes without
         // any, and stored ones lose theirs where they would only move pixels
@@ -1602,12 +1663,14 @@ void SffPlan::layoutVersion1(std::vector<char> &lost)
             const bool drop = read[size_t(r)].colorCount < 256;
             if (!storedPcx)
                 p.data = Planned::Encoded;
-            else if (drop && !pcx.colorTable.isEmpty() && canRetable)
+            else if (drop && !colours().isEmpty() && canRetable())
                 p.data = Planned::StoredWithoutTable;
             else
                 p.data = Planned::Stored;
             p.table = -1;
-            tableRead[idx] = p.data == Planned::Stored ? pcx.colorTable : QList<QRgb>();
+            // The colours matter only to a short palette, which moves pixels
+            // by them.
+            tableRead[idx] = p.data == Planned::Stored && drop ? colours() : QList<QRgb>();
         };
 
         if (isCharacter && isPortrait(p.info.group, p.info.number)) {
@@ -1719,8 +1782,13 @@ bool SffWriter::writeV1(QIODevice &out)
     V1Header h;
     h.images = quint32(plan.sprites.size());
     h.write(hw);
-    if (out.write(header) != header.size())
-        return false;
+    // Stored PCX bytes go out as they are, gathered with the subheaders into
+    // large writes (see OutBlock); the subheaders are made in one array.
+    OutBlock block;
+    block.append(header);
+    QByteArray subheaders;
+    subheaders.reserve(qsizetype(plan.sprites.size()) * SubheaderSize);
+    ByteWriter sw(subheaders);
     const QBFCacheFilter *byPass = QBFCacheFilter::byPass();
     qint64 pos = HeaderSize;
     for (size_t idx = 0; idx < plan.sprites.size(); ++idx) {
@@ -1748,7 +1816,7 @@ bool SffWriter::writeV1(QIODevice &out)
                 if (!item || !s.m_cache.get(item->cacheId, pcx, byPass))
                     return fail(i, "Failed to retrieve the image data from cache.");
                 if (p.data != Planned::Stored) {
-                    const qsizetype end = QPCXCacheFilter::layout(pcx).dataEnd;
+                    const qsizetype end = QPCXCacheFilter::dataEnd(pcx);
                     pcx.truncate(end);
                     pcx.append(char(12));
                     if (p.data == Planned::StoredWithTable) {
@@ -1770,17 +1838,15 @@ bool SffWriter::writeV1(QIODevice &out)
         sh.number = p.info.number;
         sh.link = p.info.hasImage ? 0 : p.info.link;
         sh.samePalette = p.samePalette;
-        QByteArray sub;
-        ByteWriter sw(sub);
         sh.write(sw);
-        sub.append(pcx);
-        if (out.write(sub) != sub.size())
-            return false;
-        pos += sub.size();
+        block.appendPart(subheaders, subheaders.size() - SubheaderSize, SubheaderSize);
+        pos += SubheaderSize + pcx.size();
+        if (!pcx.isEmpty())
+            block.append(std::move(pcx));
         if (!progress(uint(plan.sprites.size()) + uint(i) + 1))
             return false;
     }
-    return true;
+    return block.writeTo(out);
 }
 
 bool SffWriter::writeV2(QIODevice &out)

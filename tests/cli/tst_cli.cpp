@@ -174,6 +174,7 @@ private slots:
     void convertVersions();
     void damagedSpriteFiles_data();
     void damagedSpriteFiles();
+    void checkSprites();
     void definitionsInfo();
     void projectInfo();
     void renderSprites();
@@ -578,7 +579,9 @@ void TestCli::damagedSpriteFiles()
         const Run exported = runTool({QStringLiteral("sprites"), QStringLiteral("export"), path, out});
         const Run converted = runTool({QStringLiteral("sprites"), QStringLiteral("convert"), path,
                                        out + QStringLiteral(".sff"), QStringLiteral("--to"), QStringLiteral("2.01")});
-        for (const Run *r : {&info, &exported, &converted}) {
+        const Run checked = runTool({QStringLiteral("sprites"), QStringLiteral("check"), path});
+        QVERIFY2((checked.code == 2) == (info.code == 2), qPrintable(c.name + "\n" + describe(checked)));
+        for (const Run *r : {&info, &exported, &converted, &checked}) {
             QVERIFY2(!r->crashed && r->code >= 0 && r->code <= 2, qPrintable(c.name + "\n" + describe(*r)));
             // Refused as a whole: a line that says so.
             QVERIFY2(r->code != 2 || r->err.contains("brawlforge-cli: "), qPrintable(describe(*r)));
@@ -590,6 +593,41 @@ void TestCli::damagedSpriteFiles()
         QCOMPARE(QFileInfo::exists(out + QStringLiteral("/sprites.txt")), info.code != 2);
         if (c.name == QLatin1String("huge sprite"))
             QVERIFY2(exported.err.contains("claims 65535x65535 pixels"), qPrintable(describe(exported)));
+    }
+}
+
+// Every sample decodes whole; a copy cut inside its last sprite names that
+// sprite, and the other files of the same call still get their summary.
+void TestCli::checkSprites()
+{
+    BF_REQUIRE_SAMPLE();
+    const QStringList files = sampleSpriteFiles();
+    QVERIFY(!files.isEmpty());
+    const Run all = runTool(QStringList{QStringLiteral("sprites"), QStringLiteral("check")} + files);
+    EXPECT_EXIT(all, 0);
+    QCOMPARE(all.out.count("all intact\n"), files.size());
+    QVERIFY2(all.err.isEmpty(), all.err.constData());
+
+    QTemporaryDir dir;
+    for (const QString &source : {QStringLiteral("data/fight.sff"), QStringLiteral("stages/stage0-720.sff")}) {
+        const QByteArray good = readAll(TestSupport::samplePath(source));
+        const QString cut = dir.filePath(QFileInfo(source).fileName());
+        QVERIFY(writeAll(cut, good.left(good.size() - 1000)));
+        const QStringList args{QStringLiteral("sprites"), QStringLiteral("check"), cut,
+                               TestSupport::samplePath(QStringLiteral("font/f-4x6.sff")), QStringLiteral("--json")};
+        const Run json = runTool(args);
+        EXPECT_EXIT(json, 1);
+        const QJsonArray reports = QJsonDocument::fromJson(json.out).object().value("files").toArray();
+        QCOMPARE(reports.size(), 2);
+        const QJsonArray broken = reports.at(0).toObject().value("broken").toArray();
+        QVERIFY2(!broken.isEmpty(), json.out.constData());
+        QVERIFY(reports.at(1).toObject().value("broken").toArray().isEmpty());
+        const Run text = runTool(args.mid(0, 4));
+        EXPECT_EXIT(text, 1);
+        for (const QJsonValue &b : broken)
+            QVERIFY2(text.err.contains(QStringLiteral("): sprite %1 (").arg(b.toObject().value("index").toInt()).toUtf8()),
+                     text.err.constData());
+        QVERIFY2(text.out.contains(QStringLiteral("%1 broken").arg(broken.size()).toUtf8()), text.out.constData());
     }
 }
 

@@ -424,7 +424,8 @@ void TestCodecs::sharedFilterTable()
     QVERIFY(QBFCacheFilter::filter(QBFCacheFilter::LZ5) == nullptr);
     QBFCacheFilter::createFilters();
     QVERIFY(QBFCacheFilter::filter(QBFCacheFilter::None) == nullptr);
-    QVERIFY(QBFCacheFilter::filter(6) == nullptr && QBFCacheFilter::filter(-1) == nullptr);
+    QVERIFY(QBFCacheFilter::filter(QBFCacheFilter::SlotCount) == nullptr && QBFCacheFilter::filter(-1) == nullptr);
+    QVERIFY(dynamic_cast<const QPCXShortPaletteFilter *>(QBFCacheFilter::filter(QBFCacheFilter::PCXShortPalette)));
     QVERIFY(dynamic_cast<const QPCXCacheFilter *>(QBFCacheFilter::filter(1)));
     QVERIFY(dynamic_cast<const QRLE8CacheFilter *>(QBFCacheFilter::filter(2)));
     QVERIFY(dynamic_cast<const QRLE5CacheFilter *>(QBFCacheFilter::filter(3)));

@@ -227,7 +227,7 @@ void TestSffEdge::version1Loading()
         QCOMPARE(s.paletteInfo(2).group, qint16(0));
     }
     // A short palette: pixels past it move to the first index of the same
-    // colour inside it, and the sprite is then kept raw.
+    // colour inside it, as the sprite is decoded; the file's bytes stay.
     {
         QImage img = indexedImage(6, 2, 0, 20);
         QList<QRgb> table = img.colorTable();
@@ -238,9 +238,14 @@ void TestSffEdge::version1Loading()
         QSprites s;
         QVERIFY(s.fromFile(write(buildV1({{3, 0, img}})), false, false));
         QCOMPARE(s.paletteInfo(0).colorCount, quint16(32));
-        QCOMPARE(s.item(0)->filter, quint16(QBFCacheFilter::None));
+        QCOMPARE(s.item(0)->filter, quint16(QBFCacheFilter::PCXShortPalette));
         QCOMPARE(s.image(0).pixelIndex(0, 0), 19);
         QCOMPARE(s.image(0).pixelIndex(1, 0), 1);
+        // Saved as it shows: the moved pixels are written, not the file's.
+        QSprites back;
+        QVERIFY(s.toFile(dir.filePath("moved.sff"), false, QSffVersion::V101, true, true));
+        QVERIFY(back.fromFile(dir.filePath("moved.sff"), false, false));
+        QCOMPARE(back.image(0).pixelIndex(0, 0), 19);
     }
 }
 

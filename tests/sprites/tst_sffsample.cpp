@@ -4,6 +4,7 @@
 // exactly what is reported before the save.
 #include "base/qmessages.h"
 #include "sprites/qbfcachefilter.h"
+#include "sprites/qspritedecoder.h"
 #include "sprites/qsprites.h"
 #include "spritesnapshot.h"
 #include "testsupport.h"
@@ -72,10 +73,29 @@ void TestSffSample::roundTrip()
     QSprites original, reloaded;
     for (QSprites *s : {&original, &reloaded})
         s->setMessages(&messages);
+    // A load decodes nothing: pixels wait until a sprite is looked at.
+    const quint64 decodes = QSpriteCache::decodeCount();
     QVERIFY(original.fromFile(TestSupport::samplePath(relative), character, false));
+    QCOMPARE(QSpriteCache::decodeCount(), decodes);
     QVERIFY(original.count() > 0);
     QCOMPARE(messages.issueCount(), 0);
     const quint32 version = original.version();
+
+    // Decoding on every core gives what the store shows, sprite by sprite.
+    for (auto output : {QSpriteDecoder::AsShown, QSpriteDecoder::Rgba}) {
+        int seen = 0;
+        QSpriteDecoder(original, output).run({}, [&](QSpriteDecoder::Result &r) {
+            QImage shown = original.image(r.index);
+            if (output == QSpriteDecoder::Rgba && !shown.isNull())
+                shown = shown.convertToFormat(QImage::Format_ARGB32);
+            const bool same = r.intact && r.index == seen++ && r.image == shown
+                              && r.image.colorTable() == shown.colorTable();
+            if (!same)
+                qWarning("sprite %d decodes otherwise (output %d)", r.index, int(output));
+            return same;
+        });
+        QCOMPARE(seen, original.count());
+    }
 
     const QString first = dir.filePath("first.sff"), second = dir.filePath("second.sff");
     QVERIFY(original.toFile(first, character, 0, true, false));
