@@ -197,6 +197,9 @@ private:
     void setFrameControlsEnabled(bool on);
     // Writes a field of the current frame through `edit` and records the step.
     void editFrame(const std::function<void(AnimFrameData &)> &edit);
+    // Copies fields of the current frame to every frame after it, as one step.
+    void applyToFollowingFrames(const std::function<void(AnimFrameData &, const AnimFrameData &)> &copy,
+                                const QString &text);
     // Records the store's state after an edit as one undo step, and shows it.
     void beginEdit();
     void commit(const QString &text, int mergeKey = 0, bool rewriteText = true);
