@@ -1902,6 +1902,15 @@ bool SffWriter::writeV2(QIODevice &out)
                               : item->imageFormat == QImage::Format_RGB32 ? CodePNG24
                                                                            : CodePNG8;
             }
+            // A 2.01 file saved as 2.01 keeps the compression its indexed sprites
+            // came in: every such form is valid there, and re-encoding would
+            // change an unedited file and cost a whole encode per sprite.
+            const auto indexedCode = [](quint8 c) {
+                return c == CodeRLE8 || c == CodeRLE5 || c == CodeLZ5 || c == CodePNG8;
+            };
+            if (item && version == QSffVersion::V201 && s.version() == QSffVersion::V201 && indexedCode(code)
+                && indexedCode(current))
+                code = current;
             QByteArray bytes;
             if (current == code) {
                 if (!s.m_cache.get(item->cacheId, bytes, byPass, item->spriteSize()))
