@@ -177,6 +177,11 @@ private slots:
         app.trigger("txt_comment");
         QCOMPARE(cns->document()->findBlockByNumber(135).text(), QStringLiteral("type = NoSuchController"));
 
+        // Closing with unsaved states asks first.
+        answers.texts.clear();
+        QVERIFY(app.registry().canCloseProject(project));
+        QCOMPARE(answers.texts, QStringList(QStringLiteral("Do you really want to discard the changes made in the states?")));
+
         // The project's save writes the edited state file and nothing else.
         QMap<QString, QByteArray> before;
         for (const QFileInfo &f : QDir(folder).entryInfoList(QDir::Files))
@@ -184,6 +189,9 @@ private slots:
         app.root->controller()->fileSave();
         QVERIFY(!cns->isModified());
         QVERIFY(!states->isModified());
+        answers.texts.clear();
+        QVERIFY(app.registry().canCloseProject(project));
+        QVERIFY(answers.texts.isEmpty());
         for (auto it = before.cbegin(); it != before.cend(); ++it) {
             const QByteArray now = readAll(folder + QLatin1Char('/') + it.key());
             if (it.key() == QLatin1String("kfm.cns"))

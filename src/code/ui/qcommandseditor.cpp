@@ -22,14 +22,14 @@ bool QCommandsEditor::isModified() const
 void QCommandsEditor::clear()
 {
     QSyntaxTextEditor *doc = document();
-    if (doc && confirmDiscard(tr("Do you really want to discard the changes made in the commands?")))
+    if (doc && confirmDiscard(discardQuestion()))
         doc->clear();
 }
 
 void QCommandsEditor::open()
 {
     QSyntaxTextEditor *doc = document();
-    if (!doc || !confirmDiscard(tr("Do you really want to discard the changes made in the commands?")))
+    if (!doc || !confirmDiscard(discardQuestion()))
         return;
     const QString file = askOpen(tr("Open commands"), QProject::fileFilter(QProjectFile::Commands));
     if (!file.isEmpty())

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "project/qproject.h"
 #include "qtextdocumenteditor.h"
 
 // The editor of the project's commands (CMD). Its error status also counts the
@@ -19,6 +20,11 @@ public:
     int captionId() const override { return 195; }
     bool isModified() const override;
     QSyntaxTextEditor *document() const override;
+    QList<QSyntaxTextEditor *> documentsOf(QProject *project) const override { return {project->commands()}; }
+    QString discardQuestion() const override
+    {
+        return tr("Do you really want to discard the changes made in the commands?");
+    }
     // Distinct values of "name" in the [Command] sections.
     static int uniqueCommands(const QString &text);
 

@@ -17,14 +17,14 @@ bool QDefinitionsEditor::isModified() const
 void QDefinitionsEditor::clear()
 {
     QSyntaxTextEditor *doc = document();
-    if (doc && confirmDiscard(tr("Do you really want to discard the changes made in the definitions?")))
+    if (doc && confirmDiscard(discardQuestion()))
         doc->clear();
 }
 
 void QDefinitionsEditor::open()
 {
     QSyntaxTextEditor *doc = document();
-    if (!doc || !confirmDiscard(tr("Do you really want to discard the changes made in the definitions?")))
+    if (!doc || !confirmDiscard(discardQuestion()))
         return;
     const QString file = askOpen(tr("Open definitions"), QProject::fileFilter(QProjectFile::Definitions));
     if (!file.isEmpty())

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "project/qproject.h"
 #include "qtextdocumenteditor.h"
 
 // The editor of the project's DEF text.
@@ -18,6 +19,11 @@ public:
     int captionId() const override { return 64; }
     bool isModified() const override;
     QSyntaxTextEditor *document() const override;
+    QList<QSyntaxTextEditor *> documentsOf(QProject *project) const override { return {project->definitions()}; }
+    QString discardQuestion() const override
+    {
+        return tr("Do you really want to discard the changes made in the definitions?");
+    }
 
 public slots:
     void clear() override;

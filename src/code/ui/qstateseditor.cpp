@@ -8,19 +8,25 @@
 #include <QFileInfo>
 #include <QTabBar>
 
+#include <algorithm>
+
 QSyntaxTextEditor *QStatesEditor::document() const
 {
     return m_project ? m_project->state(m_current) : nullptr;
 }
 
+QList<QSyntaxTextEditor *> QStatesEditor::documentsOf(QProject *project) const
+{
+    QList<QSyntaxTextEditor *> docs;
+    for (int i = 0; project && i < project->statesCount(); ++i)
+        docs << project->state(i);
+    return docs;
+}
+
 bool QStatesEditor::isModified() const
 {
-    if (!m_project)
-        return false;
-    for (int i = 0; i < m_project->statesCount(); ++i)
-        if (m_project->state(i)->isModified())
-            return true;
-    return false;
+    const QList<QSyntaxTextEditor *> docs = documentsOf(m_project);
+    return std::any_of(docs.begin(), docs.end(), [](const QSyntaxTextEditor *d) { return d->isModified(); });
 }
 
 void QStatesEditor::activate(bool reload)

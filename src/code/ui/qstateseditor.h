@@ -23,6 +23,11 @@ public:
     void deactivate() override;
     void setProject(QProject *project) override;
     QSyntaxTextEditor *document() const override;
+    QList<QSyntaxTextEditor *> documentsOf(QProject *project) const override;
+    QString discardQuestion() const override
+    {
+        return tr("Do you really want to discard the changes made in the states?");
+    }
 
     // The state document shown, -1 with none.
     int current() const { return m_current; }

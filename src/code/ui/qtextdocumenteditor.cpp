@@ -15,6 +15,8 @@
 #include <QFileInfo>
 #include <QTextDocument>
 
+#include <algorithm>
+
 QTextDocumentEditor::QTextDocumentEditor(const QAppObjects &objects, QEditorRegistry &registry,
                                          QTextWorkspace *workspace, QObject *parent)
     : QInterfaceEditor(parent)
@@ -46,6 +48,15 @@ void QTextDocumentEditor::setProject(QProject *project)
     if (project != m_project)
         detachDocument();
     QInterfaceEditor::setProject(project);
+}
+
+bool QTextDocumentEditor::canClose(QProject *project)
+{
+    if (!project)
+        return true;
+    const QList<QSyntaxTextEditor *> docs = documentsOf(project);
+    const bool modified = std::any_of(docs.begin(), docs.end(), [](const QSyntaxTextEditor *d) { return d->isModified(); });
+    return !modified || QAskUser::question(window(), tr("Close project"), discardQuestion());
 }
 
 void QTextDocumentEditor::detachDocument()

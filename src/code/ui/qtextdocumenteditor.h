@@ -33,9 +33,16 @@ public:
     void activate(bool reload) override;
     void deactivate() override;
     void setProject(QProject *project) override;
+    // A project whose documents of this editor have unsaved changes closes
+    // only when the user agrees to lose them.
+    bool canClose(QProject *project) override;
 
     // The document the editor shows for the current project; null with none.
     virtual QSyntaxTextEditor *document() const = 0;
+    // Every document of `project` this editor edits.
+    virtual QList<QSyntaxTextEditor *> documentsOf(QProject *project) const = 0;
+    // "Do you really want to discard the changes made in the ...?"
+    virtual QString discardQuestion() const = 0;
     QTextWorkspace *workspace() const { return m_workspace; }
 
 public slots:
