@@ -200,6 +200,15 @@ private slots:
                 QVERIFY2(now == it.value(), qPrintable(it.key()));
         }
 
+        // An issue line "file(N): ..." opens its document on line N.
+        app.root->controller()->itemClicked(folder + QStringLiteral("/kfm.cmd"), 10);
+        QCOMPARE(app.registry().currentEditorId(), 3);
+        QCOMPARE(app.line(), 10);
+        app.root->controller()->itemClicked(folder + QStringLiteral("/kfm.cns"), 152);
+        QCOMPARE(app.registry().currentEditorId(), 4);
+        QCOMPARE(app.view()->document(), cns->document());
+        QCOMPARE(app.line(), 152);
+
         const QString shots = qEnvironmentVariable("BF_SCREENSHOT_DIR");
         if (!shots.isEmpty()) {
             app.view()->gotoLine(128, 0);

@@ -7,6 +7,9 @@
 #include "shell/qaction2.h"
 #include "shell/qactionmanager.h"
 #include "shell/qeditorregistry.h"
+#include "project/qproject.h"
+
+#include <QFileInfo>
 
 #include <memory>
 
@@ -39,4 +42,37 @@ void registerCodeEditors(QEditorRegistry &registry, const QAppObjects &objects)
         actions << registry.actionManager().addAction({0, 3, 4, -1}, QString::fromLatin1(c.key), c.caption, false,
                                                       ws, c.slot);
     ws->setContextActions(actions);
+}
+
+bool showTextLine(QEditorRegistry &registry, QProject *project, const QString &file, uint line)
+{
+    if (!project || file.isEmpty())
+        return false;
+    const QFileInfo wanted(file);
+    const auto from = [&wanted](const QSyntaxTextEditor *doc) {
+        const QString name = doc->fileName();
+        if (name.isEmpty())
+            return false;
+        const QFileInfo info(name);
+        return wanted.isAbsolute() ? info.absoluteFilePath() == wanted.absoluteFilePath()
+                                   : info.fileName() == wanted.fileName();
+    };
+    int editor = -1;
+    if (from(project->definitions()))
+        editor = 0;
+    else if (from(project->commands()))
+        editor = 3;
+    for (int i = 0; editor < 0 && i < project->statesCount(); ++i) {
+        if (from(project->state(i))) {
+            editor = 4;
+            static_cast<QStatesEditor *>(registry.editor(4))->setCurrent(i);
+        }
+    }
+    auto *workspace = static_cast<QTextWorkspace *>(registry.workspace(0));
+    if (editor < 0 || !registry.editor(editor) || !workspace)
+        return false;
+    registry.editorSwitch(editor);
+    workspace->editor()->gotoLine(line, 2);
+    workspace->editor()->setFocus();
+    return true;
 }

@@ -91,6 +91,7 @@ QTextWorkspace::QTextWorkspace(const QAppObjects &objects, QObject *parent)
 QTextWorkspace::~QTextWorkspace()
 {
     disconnect(m_contentsConnection);
+    disconnect(m_hierarchyConnection);
     // The documents belong to projects that may outlive this page.
     if (m_editor)
         m_editor->setDocument(m_empty);
@@ -128,6 +129,7 @@ void QTextWorkspace::showDocument(QSyntaxTextEditor *document)
         return;
     savePosition();
     disconnect(m_contentsConnection);
+    disconnect(m_hierarchyConnection);
     if (m_document)
         disconnect(m_document, &QObject::destroyed, this, nullptr);
     m_document = document;
@@ -149,6 +151,7 @@ void QTextWorkspace::showDocument(QSyntaxTextEditor *document)
             m_positions.remove(gone);
             m_document = nullptr;
             disconnect(m_contentsConnection);
+            disconnect(m_hierarchyConnection);
             m_editor->setDocument(m_empty);
             m_editor->setReadOnly(true);
             updateErrorList();
@@ -156,6 +159,9 @@ void QTextWorkspace::showDocument(QSyntaxTextEditor *document)
         // The checker may re-mark other lines after an edit: count a moment later.
         m_contentsConnection =
             connect(document->document(), &QTextDocument::contentsChanged, this, [this] { m_issueTimer.start(); });
+        // A new engine version re-checks the text without changing it.
+        m_hierarchyConnection =
+            connect(document, &QSyntaxTextEditor::hierarchyUpdated, this, [this] { m_issueTimer.start(); });
         const auto it = m_positions.constFind(document);
         if (it != m_positions.constEnd())
             m_editor->restorePosition((*it)[0], (*it)[1], (*it)[2]);

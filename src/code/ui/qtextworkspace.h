@@ -79,6 +79,7 @@ private:
     QPointer<QSyntaxTextEditor> m_document;
     QTimer m_issueTimer;
     QMetaObject::Connection m_contentsConnection;
+    QMetaObject::Connection m_hierarchyConnection;
     // Block, column and scroll value of each document not shown.
     QHash<const QObject *, std::array<int, 3>> m_positions;
     QList<QAction *> m_contextActions;
