@@ -208,6 +208,10 @@ private slots:
         QCOMPARE(app.registry().currentEditorId(), 4);
         QCOMPARE(app.view()->document(), cns->document());
         QCOMPARE(app.line(), 152);
+        // Each document keeps its place while another one is shown.
+        app.registry().editorSwitch(0);
+        app.registry().editorSwitch(4);
+        QCOMPARE(app.line(), 152);
 
         const QString shots = qEnvironmentVariable("BF_SCREENSHOT_DIR");
         if (!shots.isEmpty()) {

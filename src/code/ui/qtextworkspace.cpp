@@ -118,9 +118,10 @@ void QTextWorkspace::savePosition()
 {
     if (!m_document)
         return;
+    // Kept on the document itself, so that it goes with the document.
     const QTextCursor c = m_editor->textCursor();
-    m_positions.insert(m_document.data(),
-                       {c.blockNumber(), c.positionInBlock(), m_editor->verticalScrollBar()->value()});
+    m_document->setProperty("bf_position", QVariantList{c.blockNumber(), c.positionInBlock(),
+                                                        m_editor->verticalScrollBar()->value()});
 }
 
 void QTextWorkspace::showDocument(QSyntaxTextEditor *document)
@@ -147,8 +148,7 @@ void QTextWorkspace::showDocument(QSyntaxTextEditor *document)
         if (firstShowing && document->processor())
             document->processor()->refresh();
         // A document that goes while shown leaves the page empty, never dangling.
-        connect(document, &QObject::destroyed, this, [this](QObject *gone) {
-            m_positions.remove(gone);
+        connect(document, &QObject::destroyed, this, [this] {
             m_document = nullptr;
             disconnect(m_contentsConnection);
             disconnect(m_hierarchyConnection);
@@ -162,9 +162,9 @@ void QTextWorkspace::showDocument(QSyntaxTextEditor *document)
         // A new engine version re-checks the text without changing it.
         m_hierarchyConnection =
             connect(document, &QSyntaxTextEditor::hierarchyUpdated, this, [this] { m_issueTimer.start(); });
-        const auto it = m_positions.constFind(document);
-        if (it != m_positions.constEnd())
-            m_editor->restorePosition((*it)[0], (*it)[1], (*it)[2]);
+        const QVariantList place = document->property("bf_position").toList();
+        if (place.size() == 3)
+            m_editor->restorePosition(place[0].toInt(), place[1].toInt(), place[2].toInt());
     }
     updateErrorList();
 }

@@ -4,19 +4,14 @@
 #include "code/ui/qtexteditor.h"
 #include "shell/qinterfaceworkspace.h"
 
-#include <QHash>
 #include <QPointer>
 #include <QTimer>
-
-#include <array>
 
 class QAction;
 class QComboBox;
 class QMugenModel;
-class QSyntaxTextEditor;
 class QTabBar;
 class QTextDocument;
-class QTextEditor;
 struct QAppObjects;
 
 // The central page of the text editors: the code widget showing one of the
@@ -80,7 +75,5 @@ private:
     QTimer m_issueTimer;
     QMetaObject::Connection m_contentsConnection;
     QMetaObject::Connection m_hierarchyConnection;
-    // Block, column and scroll value of each document not shown.
-    QHash<const QObject *, std::array<int, 3>> m_positions;
     QList<QAction *> m_contextActions;
 };
