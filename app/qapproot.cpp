@@ -87,6 +87,10 @@ void QAppRoot::registerEditors()
     // registry orders them by their numbers, whatever the order here.
     QEditorRegistry &registry = m_controller->registry();
     registerCodeEditors(registry, m_objects);
+    // A double click on "file(N): ..." in the issues opens the text on line N.
+    m_controller->addJumpHandler(QStringLiteral("text"), [controller = m_controller](const QString &file, uint line) {
+        return showTextLine(controller->registry(), controller->currentProject(), file, line);
+    });
     registerSpriteEditors(registry, m_objects);
     // The animations' text views are the program's code widget.
     registerAnimationEditors(

@@ -56,6 +56,7 @@ QProject::QProject(const QProjectSettings &settings, QObject *parent)
     , m_settings(settings)
 {
     for (QSyntaxTextEditor *doc : {&m_definitions, &m_commands}) {
+        doc->setMugenSyntax(settings.mugenSyntax, settings.syntaxFormats);
         doc->setSyntax(QSyntaxTextEditor::Mugen);
         doc->setAutoSyntax(false);
         doc->setEngineVersion(DefaultVersion);
@@ -87,6 +88,7 @@ QString QProject::name() const
 QSyntaxTextEditor *QProject::addState()
 {
     auto *doc = new QSyntaxTextEditor(true);
+    doc->setMugenSyntax(m_settings.mugenSyntax, m_settings.syntaxFormats);
     doc->setSyntax(QSyntaxTextEditor::Mugen);
     doc->setEngineVersion(m_version);
     m_states.append(doc);
@@ -751,6 +753,7 @@ bool QProject::fromFile(const QString &fileName, uint codepage, bool backup, boo
                 previous.removeOne(doc);
                 if (!doc) {
                     doc = new QSyntaxTextEditor(true);
+                    doc->setMugenSyntax(m_settings.mugenSyntax, m_settings.syntaxFormats);
                     doc->setEngineVersion(m_version);
                 }
                 if (doc->loadFile(path, int(codepage), temporary, reused)) {

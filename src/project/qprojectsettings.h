@@ -7,8 +7,10 @@
 
 #include <functional>
 
+class QMugenSyntaxProperties;
 class QSpriteCache;
 class QSpriteRecordPool;
+class SyntaxFormats;
 
 // What a project takes from the configuration. The interface fills it from the
 // configuration store, so the project model never reaches for process-wide
@@ -31,6 +33,10 @@ struct QProjectSettings
     QSpriteCache *soundUndoCache = nullptr;
     // The program's pool of cache records; a project without one keeps its own.
     QSpriteRecordPool *records = nullptr;
+    // The engine's language and the colours its texts are checked and
+    // painted with; without them the documents are checked by no one.
+    QMugenSyntaxProperties *mugenSyntax = nullptr;
+    const SyntaxFormats *syntaxFormats = nullptr;
 
     static QStringList pathKeys()
     {

@@ -58,6 +58,8 @@ QProject *QInterface::createProject()
     settings.undoCache = m_objects.undoCache;
     settings.soundUndoCache = m_objects.soundUndoCache;
     settings.records = m_objects.spriteRecords;
+    settings.mugenSyntax = m_objects.mugenSyntax;
+    settings.syntaxFormats = m_objects.syntaxFormats;
     auto *project = new QProject(settings);
     connectProject(project);
     return project;

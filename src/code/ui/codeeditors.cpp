@@ -4,15 +4,75 @@
 #include "qdefinitionseditor.h"
 #include "qstateseditor.h"
 #include "qtextworkspace.h"
+#include "shell/qaction2.h"
+#include "shell/qactionmanager.h"
 #include "shell/qeditorregistry.h"
+#include "project/qproject.h"
+
+#include <QFileInfo>
 
 #include <memory>
 
 void registerCodeEditors(QEditorRegistry &registry, const QAppObjects &objects)
 {
-    Q_UNUSED(objects);
-    registry.addWorkspace(std::make_unique<QTextWorkspace>());
-    registry.addEditor(std::make_unique<QDefinitionsEditor>());
-    registry.addEditor(std::make_unique<QCommandsEditor>());
-    registry.addEditor(std::make_unique<QStatesEditor>());
+    auto workspace = std::make_unique<QTextWorkspace>(objects);
+    QTextWorkspace *ws = workspace.get();
+    registry.addWorkspace(std::move(workspace));
+    registry.addEditor(std::make_unique<QDefinitionsEditor>(objects, registry, ws));
+    registry.addEditor(std::make_unique<QCommandsEditor>(objects, registry, ws));
+    registry.addEditor(std::make_unique<QStatesEditor>(objects, registry, ws));
+
+    // The commands of the code widget, for the three text editors.
+    struct Command
+    {
+        const char *key;
+        int caption;
+        const char *slot;
+    };
+    const Command commands[] = {
+        {"txt_goto", 58, SLOT(goToLine())},
+        {"txt_prev_error", 59, SLOT(prevError())},
+        {"txt_next_error", 60, SLOT(nextError())},
+        {"txt_prev_deprecation", 61, SLOT(prevDepr())},
+        {"txt_next_deprecation", 62, SLOT(nextDepr())},
+        {"txt_comment", 63, SLOT(comment())},
+    };
+    QList<QAction *> actions;
+    for (const Command &c : commands)
+        actions << registry.actionManager().addAction({0, 3, 4, -1}, QString::fromLatin1(c.key), c.caption, false,
+                                                      ws, c.slot);
+    ws->setContextActions(actions);
+}
+
+bool showTextLine(QEditorRegistry &registry, QProject *project, const QString &file, uint line)
+{
+    if (!project || file.isEmpty())
+        return false;
+    const QFileInfo wanted(file);
+    const auto from = [&wanted](const QSyntaxTextEditor *doc) {
+        const QString name = doc->fileName();
+        if (name.isEmpty())
+            return false;
+        const QFileInfo info(name);
+        return wanted.isAbsolute() ? info.absoluteFilePath() == wanted.absoluteFilePath()
+                                   : info.fileName() == wanted.fileName();
+    };
+    int editor = -1;
+    if (from(project->definitions()))
+        editor = 0;
+    else if (from(project->commands()))
+        editor = 3;
+    for (int i = 0; editor < 0 && i < project->statesCount(); ++i) {
+        if (from(project->state(i))) {
+            editor = 4;
+            static_cast<QStatesEditor *>(registry.editor(4))->setCurrent(i);
+        }
+    }
+    auto *workspace = static_cast<QTextWorkspace *>(registry.workspace(0));
+    if (editor < 0 || !registry.editor(editor) || !workspace)
+        return false;
+    registry.editorSwitch(editor);
+    workspace->editor()->gotoLine(line, 2);
+    workspace->editor()->setFocus();
+    return true;
 }

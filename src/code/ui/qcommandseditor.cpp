@@ -1,15 +1,94 @@
 #include "qcommandseditor.h"
 
-// The commands act on the project's slot once its store is attached to this
-// editor; with nothing attached there is nothing to act on.
-void QCommandsEditor::clear() {}
-void QCommandsEditor::open() {}
-void QCommandsEditor::save() {}
-void QCommandsEditor::saveAs() {}
-void QCommandsEditor::undo() {}
-void QCommandsEditor::redo() {}
-void QCommandsEditor::cut() {}
-void QCommandsEditor::copy() {}
-void QCommandsEditor::paste() {}
-void QCommandsEditor::find(const QString &, const QQuickFindOptions &) {}
-void QCommandsEditor::replace(const QString &, const QString &, const QQuickFindOptions &, bool) {}
+#include "code/qsyntaxtexteditor.h"
+#include "project/qproject.h"
+
+#include <QTextDocument>
+
+#include <QRegularExpression>
+#include <QSet>
+
+QSyntaxTextEditor *QCommandsEditor::document() const
+{
+    return m_project ? m_project->commands() : nullptr;
+}
+
+bool QCommandsEditor::isModified() const
+{
+    const QSyntaxTextEditor *doc = document();
+    return doc && doc->isModified();
+}
+
+void QCommandsEditor::clear()
+{
+    QSyntaxTextEditor *doc = document();
+    if (doc && confirmDiscard(discardQuestion()))
+        doc->clear();
+}
+
+void QCommandsEditor::open()
+{
+    QSyntaxTextEditor *doc = document();
+    if (!doc || !confirmDiscard(discardQuestion()))
+        return;
+    const QString file = askOpen(tr("Open commands"), QProject::fileFilter(QProjectFile::Commands));
+    if (!file.isEmpty())
+        loadInto(doc, file);
+}
+
+void QCommandsEditor::save()
+{
+    QSyntaxTextEditor *doc = document();
+    if (!doc)
+        return;
+    if (doc->fileName().isEmpty())
+        saveAs();
+    else
+        saveTo(doc, doc->fileName());
+}
+
+void QCommandsEditor::saveAs()
+{
+    QSyntaxTextEditor *doc = document();
+    if (!doc)
+        return;
+    const QString file = askSave(tr("Save commands as"), QProject::fileFilter(QProjectFile::Commands), doc->fileName());
+    if (!file.isEmpty())
+        saveTo(doc, file);
+}
+
+int QCommandsEditor::uniqueCommands(const QString &text)
+{
+    static const QRegularExpression header(QStringLiteral("^\\s*\\[\\s*([^\\]]*)\\]"));
+    static const QRegularExpression name(QStringLiteral("^\\s*name\\s*=\\s*\"?([^\";]*)\"?"),
+                                         QRegularExpression::CaseInsensitiveOption);
+    QSet<QString> names;
+    bool inCommand = false;
+    for (const QStringView line : QStringView(text).split(QLatin1Char('\n'))) {
+        const QRegularExpressionMatch h = header.match(line);
+        if (h.hasMatch()) {
+            inCommand = h.captured(1).trimmed().compare(QLatin1String("command"), Qt::CaseInsensitive) == 0;
+            continue;
+        }
+        if (!inCommand)
+            continue;
+        const QRegularExpressionMatch n = name.match(line);
+        if (n.hasMatch() && !n.captured(1).trimmed().isEmpty())
+            names.insert(n.captured(1).trimmed());
+    }
+    return int(names.size());
+}
+
+QString QCommandsEditor::errorStatusText() const
+{
+    const QSyntaxTextEditor *doc = document();
+    if (!doc)
+        return QTextDocumentEditor::errorStatusText();
+    // The status follows every cursor move: count again only after an edit.
+    if (m_countedDocument != doc || m_countedRevision != doc->document()->revision()) {
+        m_countedDocument = doc;
+        m_countedRevision = doc->document()->revision();
+        m_count = uniqueCommands(doc->text());
+    }
+    return tr("%1, Unique commands: %2").arg(QTextDocumentEditor::errorStatusText()).arg(m_count);
+}

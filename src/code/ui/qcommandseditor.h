@@ -1,35 +1,45 @@
 #pragma once
 
-#include "shell/qinterfaceeditor.h"
+#include "project/qproject.h"
+#include "qtextdocumenteditor.h"
 
-// The editor of the commands (CMD). Its panel controls and commands are laid out by the
-// preset; the editing itself builds on this registration.
-class QCommandsEditor : public QInterfaceEditor
+// The editor of the project's commands (CMD). Its error status also counts the
+// distinct command names.
+class QCommandsEditor : public QTextDocumentEditor
 {
     Q_OBJECT
 
 public:
-    using QInterfaceEditor::QInterfaceEditor;
+    using QTextDocumentEditor::QTextDocumentEditor;
 
     int id() const override { return 3; }
     QString name() const override { return QStringLiteral("editor_cmd"); }
     QString tag() const override { return QStringLiteral("commands"); }
     int layoutFlags() const override { return 3; }
-    int workspaceId() const override { return 0; }
     int projectTypes() const override { return 1; }
     int captionId() const override { return 195; }
+    bool isModified() const override;
+    QSyntaxTextEditor *document() const override;
+    QList<QSyntaxTextEditor *> documentsOf(QProject *project) const override { return {project->commands()}; }
+    QString discardQuestion() const override
+    {
+        return tr("Do you really want to discard the changes made in the commands?");
+    }
+    // Distinct values of "name" in the [Command] sections.
+    static int uniqueCommands(const QString &text);
+
+protected:
+    QString errorStatusText() const override;
+
+private:
+    // The count of the last text counted, by the document's revision.
+    mutable const void *m_countedDocument = nullptr;
+    mutable int m_countedRevision = -1;
+    mutable int m_count = 0;
 
 public slots:
     void clear() override;
     void open() override;
     void save() override;
     void saveAs() override;
-    void undo() override;
-    void redo() override;
-    void cut() override;
-    void copy() override;
-    void paste() override;
-    void find(const QString &text, const QQuickFindOptions &options) override;
-    void replace(const QString &text, const QString &with, const QQuickFindOptions &options,
-                 bool all) override;
 };

@@ -1,15 +1,53 @@
 #include "qdefinitionseditor.h"
 
-// The commands act on the project's slot once its store is attached to this
-// editor; with nothing attached there is nothing to act on.
-void QDefinitionsEditor::clear() {}
-void QDefinitionsEditor::open() {}
-void QDefinitionsEditor::save() {}
-void QDefinitionsEditor::saveAs() {}
-void QDefinitionsEditor::undo() {}
-void QDefinitionsEditor::redo() {}
-void QDefinitionsEditor::cut() {}
-void QDefinitionsEditor::copy() {}
-void QDefinitionsEditor::paste() {}
-void QDefinitionsEditor::find(const QString &, const QQuickFindOptions &) {}
-void QDefinitionsEditor::replace(const QString &, const QString &, const QQuickFindOptions &, bool) {}
+#include "code/qsyntaxtexteditor.h"
+#include "project/qproject.h"
+
+QSyntaxTextEditor *QDefinitionsEditor::document() const
+{
+    return m_project ? m_project->definitions() : nullptr;
+}
+
+bool QDefinitionsEditor::isModified() const
+{
+    const QSyntaxTextEditor *doc = document();
+    return doc && doc->isModified();
+}
+
+void QDefinitionsEditor::clear()
+{
+    QSyntaxTextEditor *doc = document();
+    if (doc && confirmDiscard(discardQuestion()))
+        doc->clear();
+}
+
+void QDefinitionsEditor::open()
+{
+    QSyntaxTextEditor *doc = document();
+    if (!doc || !confirmDiscard(discardQuestion()))
+        return;
+    const QString file = askOpen(tr("Open definitions"), QProject::fileFilter(QProjectFile::Definitions));
+    if (!file.isEmpty())
+        loadInto(doc, file);
+}
+
+void QDefinitionsEditor::save()
+{
+    QSyntaxTextEditor *doc = document();
+    if (!doc)
+        return;
+    if (doc->fileName().isEmpty())
+        saveAs();
+    else
+        saveTo(doc, doc->fileName());
+}
+
+void QDefinitionsEditor::saveAs()
+{
+    QSyntaxTextEditor *doc = document();
+    if (!doc)
+        return;
+    const QString file = askSave(tr("Save definitions as"), QProject::fileFilter(QProjectFile::Definitions), doc->fileName());
+    if (!file.isEmpty())
+        saveTo(doc, file);
+}

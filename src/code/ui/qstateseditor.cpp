@@ -1,15 +1,149 @@
 #include "qstateseditor.h"
 
-// The commands act on the project's slot once its store is attached to this
-// editor; with nothing attached there is nothing to act on.
-void QStatesEditor::clear() {}
-void QStatesEditor::open() {}
-void QStatesEditor::save() {}
-void QStatesEditor::saveAs() {}
-void QStatesEditor::undo() {}
-void QStatesEditor::redo() {}
-void QStatesEditor::cut() {}
-void QStatesEditor::copy() {}
-void QStatesEditor::paste() {}
-void QStatesEditor::find(const QString &, const QQuickFindOptions &) {}
-void QStatesEditor::replace(const QString &, const QString &, const QQuickFindOptions &, bool) {}
+#include "code/qsyntaxtexteditor.h"
+#include "project/qproject.h"
+#include "qtextworkspace.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QTabBar>
+
+#include <algorithm>
+
+QSyntaxTextEditor *QStatesEditor::document() const
+{
+    return m_project ? m_project->state(m_current) : nullptr;
+}
+
+QList<QSyntaxTextEditor *> QStatesEditor::documentsOf(QProject *project) const
+{
+    QList<QSyntaxTextEditor *> docs;
+    for (int i = 0; project && i < project->statesCount(); ++i)
+        docs << project->state(i);
+    return docs;
+}
+
+bool QStatesEditor::isModified() const
+{
+    const QList<QSyntaxTextEditor *> docs = documentsOf(m_project);
+    return std::any_of(docs.begin(), docs.end(), [](const QSyntaxTextEditor *d) { return d->isModified(); });
+}
+
+void QStatesEditor::activate(bool reload)
+{
+    if (reload && m_workspace) {
+        QTabBar *tabs = m_workspace->tabBar();
+        connect(tabs, &QTabBar::currentChanged, this, &QStatesEditor::tabChanged, Qt::UniqueConnection);
+        fillTabs();
+        tabs->show();
+    }
+    QTextDocumentEditor::activate(reload);
+}
+
+void QStatesEditor::deactivate()
+{
+    if (m_active && m_workspace) {
+        QTabBar *tabs = m_workspace->tabBar();
+        disconnect(tabs, &QTabBar::currentChanged, this, &QStatesEditor::tabChanged);
+        tabs->hide();
+    }
+    QTextDocumentEditor::deactivate();
+}
+
+void QStatesEditor::setProject(QProject *project)
+{
+    if (project != m_project)
+        m_current = -1;
+    QTextDocumentEditor::setProject(project);
+}
+
+void QStatesEditor::fillTabs()
+{
+    QTabBar *tabs = m_workspace->tabBar();
+    const int count = m_project ? m_project->statesCount() : 0;
+    if (m_current >= count || (m_current < 0 && count > 0))
+        m_current = count > 0 ? 0 : -1;
+    m_filling = true;
+    while (tabs->count() > 0)
+        tabs->removeTab(0);
+    for (int i = 0; i < count; ++i) {
+        const QSyntaxTextEditor *doc = m_project->state(i);
+        const QString file = doc->fileName();
+        tabs->addTab(tr("States %1").arg(file.isEmpty() ? QString::number(i + 1) : QFileInfo(file).fileName()));
+        tabs->setTabToolTip(i, QDir::toNativeSeparators(file));
+    }
+    tabs->setCurrentIndex(m_current);
+    m_filling = false;
+}
+
+void QStatesEditor::tabChanged(int index)
+{
+    if (m_filling || index == m_current)
+        return;
+    m_current = index;
+    showCurrent();
+}
+
+void QStatesEditor::setCurrent(int index)
+{
+    if (m_workspace && m_active)
+        m_workspace->tabBar()->setCurrentIndex(index);
+    else
+        m_current = index;
+}
+
+void QStatesEditor::clear()
+{
+    if (!m_project)
+        return;
+    m_project->addState();
+    m_current = m_project->statesCount() - 1;
+    if (m_active) {
+        fillTabs();
+        showCurrent();
+    }
+}
+
+void QStatesEditor::open()
+{
+    if (!m_project)
+        return;
+    const QString file = askOpen(tr("Open states"), QProject::fileFilter(QProjectFile::States));
+    if (file.isEmpty())
+        return;
+    QSyntaxTextEditor *doc = m_project->addState();
+    if (!loadInto(doc, file)) {
+        m_project->removeState(m_project->statesCount() - 1);
+        return;
+    }
+    doc->setObjectName(QFileInfo(file).fileName());
+    m_current = m_project->statesCount() - 1;
+    if (m_active) {
+        fillTabs();
+        showCurrent();
+    }
+}
+
+void QStatesEditor::save()
+{
+    QSyntaxTextEditor *doc = document();
+    if (!doc)
+        return;
+    if (doc->fileName().isEmpty())
+        saveAs();
+    else
+        saveTo(doc, doc->fileName());
+}
+
+void QStatesEditor::saveAs()
+{
+    QSyntaxTextEditor *doc = document();
+    if (!doc)
+        return;
+    const QString file = askSave(tr("Save states as"), QProject::fileFilter(QProjectFile::States), doc->fileName());
+    if (file.isEmpty() || !saveTo(doc, file))
+        return;
+    doc->setObjectName(QFileInfo(file).fileName());
+    if (m_active)
+        fillTabs();
+}

@@ -1,35 +1,48 @@
 #pragma once
 
-#include "shell/qinterfaceeditor.h"
+#include "qtextdocumenteditor.h"
 
-// The editor of the state files (CNS and ST). Its panel controls and commands are laid out by the
-// preset; the editing itself builds on this registration.
-class QStatesEditor : public QInterfaceEditor
+// The editor of the state files (CNS and ST), one tab each, named "States %1"
+// after the file. New and open add a tab; save and save as act on the
+// current one.
+class QStatesEditor : public QTextDocumentEditor
 {
     Q_OBJECT
 
 public:
-    using QInterfaceEditor::QInterfaceEditor;
+    using QTextDocumentEditor::QTextDocumentEditor;
 
     int id() const override { return 4; }
     QString name() const override { return QStringLiteral("editor_st"); }
     QString tag() const override { return QStringLiteral("states"); }
     int layoutFlags() const override { return 11; }
-    int workspaceId() const override { return 0; }
     int projectTypes() const override { return 1; }
     int captionId() const override { return 200; }
+    bool isModified() const override;
+    void activate(bool reload) override;
+    void deactivate() override;
+    void setProject(QProject *project) override;
+    QSyntaxTextEditor *document() const override;
+    QList<QSyntaxTextEditor *> documentsOf(QProject *project) const override;
+    QString discardQuestion() const override
+    {
+        return tr("Do you really want to discard the changes made in the states?");
+    }
+
+    // The state document shown, -1 with none.
+    int current() const { return m_current; }
+    void setCurrent(int index);
 
 public slots:
     void clear() override;
     void open() override;
     void save() override;
     void saveAs() override;
-    void undo() override;
-    void redo() override;
-    void cut() override;
-    void copy() override;
-    void paste() override;
-    void find(const QString &text, const QQuickFindOptions &options) override;
-    void replace(const QString &text, const QString &with, const QQuickFindOptions &options,
-                 bool all) override;
+    void tabChanged(int index);
+
+private:
+    void fillTabs();
+
+    int m_current = -1;
+    bool m_filling = false;
 };

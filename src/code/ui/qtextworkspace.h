@@ -1,18 +1,79 @@
 #pragma once
 
+#include "code/qsyntaxtexteditor.h"
+#include "code/ui/qtexteditor.h"
 #include "shell/qinterfaceworkspace.h"
 
-class QStackedWidget;
+#include <QPointer>
+#include <QTimer>
 
-// The central view of the text editors: one page per open text document.
+class QAction;
+class QComboBox;
+class QMugenModel;
+class QTabBar;
+class QTextDocument;
+struct QAppObjects;
+
+// The central page of the text editors: the code widget showing one of the
+// project's documents, the tabs of the state files above it and the list of
+// the shown document's syntax issues below it. Each document keeps its own
+// cursor and scroll position while another one is shown.
 class QTextWorkspace : public QInterfaceWorkspace
 {
     Q_OBJECT
 
 public:
-    explicit QTextWorkspace(QObject *parent = nullptr);
+    explicit QTextWorkspace(const QAppObjects &objects, QObject *parent = nullptr);
+    ~QTextWorkspace() override;
 
     int id() const override { return 0; }
     QString name() const override { return QStringLiteral("text"); }
-    QStackedWidget *pages() const;
+    void applyConfig() override;
+
+    QTextEditor *editor() const { return m_editor; }
+    // The tabs of the state files; hidden unless an editor shows some.
+    QTabBar *tabBar() const { return m_tabs; }
+    QComboBox *issueBox() const { return m_issues; }
+    // The document shown, null when the page is empty.
+    QSyntaxTextEditor *document() const { return m_document; }
+    // Shows `document` (null: an empty, read-only page), keeping the place
+    // of the one shown before for its next showing.
+    void showDocument(QSyntaxTextEditor *document);
+
+    // Issues of a kind (BlockIssue::Kind) in the whole document.
+    static int issueCount(const QTextDocument *document, int kind);
+    // The commands the editor's context menu offers after the standard ones.
+    void setContextActions(const QList<QAction *> &actions) { m_contextActions = actions; }
+
+public slots:
+    void updateErrorList();
+    void errorActivated(int row);
+    void goToLine();
+    void nextError() { findIssue(1, true); }
+    void prevError() { findIssue(1, false); }
+    void nextDepr() { findIssue(0, true); }
+    void prevDepr() { findIssue(0, false); }
+    void comment();
+
+signals:
+    // The issues of the shown document were counted again.
+    void issuesUpdated();
+
+private:
+    // Moves the cursor to the next (or previous) issue of `kind`, without
+    // wrapping at either end; false when there is none.
+    bool findIssue(int kind, bool forward);
+    void savePosition();
+    void showContextMenu(const QPoint &pos);
+
+    QMugenModel *m_config = nullptr;
+    QPointer<QTextEditor> m_editor;
+    QTabBar *m_tabs = nullptr;
+    QComboBox *m_issues = nullptr;
+    QTextDocument *m_empty = nullptr;
+    QPointer<QSyntaxTextEditor> m_document;
+    QTimer m_issueTimer;
+    QMetaObject::Connection m_contentsConnection;
+    QMetaObject::Connection m_hierarchyConnection;
+    QList<QAction *> m_contextActions;
 };

@@ -1,0 +1,195 @@
+#include "qtextdocumenteditor.h"
+
+#include "base/qmugenmodel.h"
+#include "code/qsyntaxtexteditor.h"
+#include "code/qtexteditorblockdata.h"
+#include "project/qproject.h"
+#include "qtexteditor.h"
+#include "qtextworkspace.h"
+#include "shell/qappobjects.h"
+#include "shell/qaskuser.h"
+#include "shell/qeditorregistry.h"
+#include "shell/qwindowlayout.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QTextDocument>
+
+#include <algorithm>
+
+QTextDocumentEditor::QTextDocumentEditor(const QAppObjects &objects, QEditorRegistry &registry,
+                                         QTextWorkspace *workspace, QObject *parent)
+    : QInterfaceEditor(parent)
+    , m_config(objects.config)
+    , m_registry(registry)
+    , m_workspace(workspace)
+{
+}
+
+void QTextDocumentEditor::activate(bool reload)
+{
+    QInterfaceEditor::activate(reload);
+    if (reload)
+        showCurrent();
+}
+
+void QTextDocumentEditor::deactivate()
+{
+    if (m_active) {
+        detachDocument();
+        for (int field : {CursorField, EncodingField, ErrorsField})
+            m_registry.layout().setStatusText(field, QString());
+    }
+    QInterfaceEditor::deactivate();
+}
+
+void QTextDocumentEditor::setProject(QProject *project)
+{
+    if (project != m_project)
+        detachDocument();
+    QInterfaceEditor::setProject(project);
+}
+
+bool QTextDocumentEditor::canClose(QProject *project)
+{
+    if (!project)
+        return true;
+    const QList<QSyntaxTextEditor *> docs = documentsOf(project);
+    const bool modified = std::any_of(docs.begin(), docs.end(), [](const QSyntaxTextEditor *d) { return d->isModified(); });
+    return !modified || QAskUser::question(window(), tr("Close project"), discardQuestion());
+}
+
+void QTextDocumentEditor::detachDocument()
+{
+    for (const QMetaObject::Connection &c : std::as_const(m_connections))
+        disconnect(c);
+    m_connections.clear();
+    m_shown = nullptr;
+}
+
+void QTextDocumentEditor::showCurrent()
+{
+    detachDocument();
+    if (!m_active || !m_workspace)
+        return;
+    QSyntaxTextEditor *doc = document();
+    m_shown = doc;
+    m_workspace->showDocument(doc);
+    QTextEditor *view = m_workspace->editor();
+    m_connections << connect(view, &QTextEditor::cursorChanged, this, &QTextDocumentEditor::refreshStatus)
+                  << connect(m_workspace, &QTextWorkspace::issuesUpdated, this, &QTextDocumentEditor::refreshStatus);
+    if (doc) {
+        m_connections << connect(doc->document(), &QTextDocument::modificationChanged, this,
+                                 &QInterfaceEditor::modifiedChanged)
+                      << connect(doc, &QSyntaxTextEditor::encodingChanged, this, &QTextDocumentEditor::refreshStatus)
+                      << connect(doc->document(), &QTextDocument::blockCountChanged, this,
+                                 &QTextDocumentEditor::refreshStatus);
+    }
+    refreshStatus();
+    emit modifiedChanged();
+}
+
+void QTextDocumentEditor::refreshStatus()
+{
+    if (!m_active)
+        return;
+    QWindowLayout &layout = m_registry.layout();
+    const QSyntaxTextEditor *doc = m_shown;
+    if (!doc) {
+        for (int field : {CursorField, EncodingField, ErrorsField})
+            layout.setStatusText(field, QString());
+        return;
+    }
+    const QTextCursor c = m_workspace->editor()->textCursor();
+    layout.setStatusText(CursorField, tr("Line: %1, Column: %2, Line count: %3")
+                                          .arg(c.blockNumber() + 1)
+                                          .arg(c.positionInBlock() + 1)
+                                          .arg(doc->document()->lineCount()));
+    layout.setStatusText(EncodingField, tr("Encoding: %1").arg(QString::fromLatin1(doc->encoding())));
+    layout.setStatusText(ErrorsField, errorStatusText());
+}
+
+QString QTextDocumentEditor::errorStatusText() const
+{
+    const int errors = m_shown ? QTextWorkspace::issueCount(m_shown->document(), BlockIssue::Error) : 0;
+    return tr("Syntax error count: %1").arg(errors);
+}
+
+void QTextDocumentEditor::undo()
+{
+    if (m_shown)
+        m_workspace->editor()->undo();
+}
+
+void QTextDocumentEditor::redo()
+{
+    if (m_shown)
+        m_workspace->editor()->redo();
+}
+
+void QTextDocumentEditor::cut()
+{
+    if (m_shown)
+        m_workspace->editor()->cut();
+}
+
+void QTextDocumentEditor::copy()
+{
+    m_workspace->editor()->copy();
+}
+
+void QTextDocumentEditor::paste()
+{
+    if (m_shown)
+        m_workspace->editor()->paste();
+}
+
+QWidget *QTextDocumentEditor::window() const
+{
+    return m_workspace && m_workspace->editor() ? m_workspace->editor()->window() : nullptr;
+}
+
+bool QTextDocumentEditor::confirmDiscard(const QString &question) const
+{
+    const QSyntaxTextEditor *doc = document();
+    return !doc || !doc->isModified() || QAskUser::question(window(), tr("Discard changes"), question);
+}
+
+bool QTextDocumentEditor::loadInto(QSyntaxTextEditor *doc, const QString &file) const
+{
+    const int codepage = m_config ? m_config->number(QStringLiteral("default_codepage")) : 0;
+    if (doc->loadFile(file, codepage))
+        return true;
+    QAskUser::critical(window(), tr("Open"),
+                       tr("%1 can't be read: %2").arg(QDir::toNativeSeparators(file), doc->errorString()));
+    return false;
+}
+
+bool QTextDocumentEditor::saveTo(QSyntaxTextEditor *doc, const QString &file) const
+{
+    if (doc->saveFile(file, false, false))
+        return true;
+    QAskUser::critical(window(), tr("Save"),
+                       tr("%1 can't be saved: %2").arg(QDir::toNativeSeparators(file), doc->errorString()));
+    return false;
+}
+
+QString QTextDocumentEditor::askOpen(const QString &caption, const QString &filter) const
+{
+    const QString folder = m_project ? m_project->path(QStringLiteral("proj_path")) : QString();
+    const QString file = QAskUser::openFileName(window(), caption, folder, filter);
+    if (!file.isEmpty() && m_project)
+        m_project->setPath(QStringLiteral("proj_path"), QFileInfo(file).absolutePath());
+    return file;
+}
+
+QString QTextDocumentEditor::askSave(const QString &caption, const QString &filter, const QString &current) const
+{
+    QString folder = m_project ? m_project->path(QStringLiteral("proj_path")) : QString();
+    if (!current.isEmpty())
+        folder = current;
+    const QString file = QAskUser::saveFileName(window(), caption, folder, filter);
+    if (!file.isEmpty() && m_project)
+        m_project->setPath(QStringLiteral("proj_path"), QFileInfo(file).absolutePath());
+    return file;
+}

@@ -1,0 +1,81 @@
+#pragma once
+
+#include "code/qsyntaxtexteditor.h"
+#include "shell/qinterfaceeditor.h"
+
+#include <QList>
+#include <QMetaObject>
+#include <QPointer>
+
+class QEditorRegistry;
+class QMugenModel;
+class QSyntaxTextEditor;
+class QTextWorkspace;
+class QWidget;
+struct QAppObjects;
+
+// Base of the editors of the project's text documents: it shows the current
+// document in the text workspace, keeps the status fields (cursor, encoding,
+// error count) up to date, passes the edit commands to the code widget and
+// opens, saves and starts documents afresh.
+class QTextDocumentEditor : public QInterfaceEditor
+{
+    Q_OBJECT
+
+public:
+    // Status fields of the window used by the text editors.
+    enum StatusField { CursorField = 0, EncodingField = 1, ErrorsField = 2 };
+
+    QTextDocumentEditor(const QAppObjects &objects, QEditorRegistry &registry, QTextWorkspace *workspace,
+                        QObject *parent = nullptr);
+
+    int workspaceId() const override { return 0; }
+    void activate(bool reload) override;
+    void deactivate() override;
+    void setProject(QProject *project) override;
+    // A project whose documents of this editor have unsaved changes closes
+    // only when the user agrees to lose them.
+    bool canClose(QProject *project) override;
+
+    // The document the editor shows for the current project; null with none.
+    virtual QSyntaxTextEditor *document() const = 0;
+    // Every document of `project` this editor edits.
+    virtual QList<QSyntaxTextEditor *> documentsOf(QProject *project) const = 0;
+    // "Do you really want to discard the changes made in the ...?"
+    virtual QString discardQuestion() const = 0;
+    QTextWorkspace *workspace() const { return m_workspace; }
+
+public slots:
+    void undo() override;
+    void redo() override;
+    void cut() override;
+    void copy() override;
+    void paste() override;
+    void find(const QString &, const QQuickFindOptions &) override {}
+    void replace(const QString &, const QString &, const QQuickFindOptions &, bool) override {}
+    void refreshStatus();
+
+protected:
+    // Shows document() and follows its changes; call when it changes.
+    void showCurrent();
+    // The error line of the status; the commands editor adds to it.
+    virtual QString errorStatusText() const;
+    QWidget *window() const;
+    bool confirmDiscard(const QString &question) const;
+    // Loads `file` into `doc` with the configured code page, telling the user on failure.
+    bool loadInto(QSyntaxTextEditor *doc, const QString &file) const;
+    bool saveTo(QSyntaxTextEditor *doc, const QString &file) const;
+    // Asks a file to open or save as, from the project's folder, which then follows the answer.
+    QString askOpen(const QString &caption, const QString &filter) const;
+    QString askSave(const QString &caption, const QString &filter, const QString &current) const;
+
+    QMugenModel *m_config = nullptr;
+    QEditorRegistry &m_registry;
+    QTextWorkspace *m_workspace;
+
+private:
+    void detachDocument();
+
+    QPointer<QSyntaxTextEditor> m_shown;
+    QList<QMetaObject::Connection> m_connections;
+};
