@@ -148,7 +148,6 @@ private slots:
     void lz5FastEncoderMatchesReference();
     void damagedStreamsStayInBounds();
     void sampleSprites();
-    void sharedFilterTable();
 };
 
 void TestCodecs::handBuiltStreams()
@@ -417,23 +416,6 @@ void TestCodecs::sampleSprites()
     QVERIFY(lzCount > 0 && rleCount > 0 && pcxCount > 0);
     qInfo("decoded %d PCX, %d RLE8 and %d LZ5 sprites; %d distinct images encoded both ways", pcxCount,
           rleCount, lzCount, int(seen.size()));
-}
-
-void TestCodecs::sharedFilterTable()
-{
-    QVERIFY(QBFCacheFilter::filter(QBFCacheFilter::LZ5) == nullptr);
-    QBFCacheFilter::createFilters();
-    QVERIFY(QBFCacheFilter::filter(QBFCacheFilter::None) == nullptr);
-    QVERIFY(QBFCacheFilter::filter(QBFCacheFilter::SlotCount) == nullptr && QBFCacheFilter::filter(-1) == nullptr);
-    QVERIFY(dynamic_cast<const QPCXShortPaletteFilter *>(QBFCacheFilter::filter(QBFCacheFilter::PCXShortPalette)));
-    QVERIFY(dynamic_cast<const QPCXCacheFilter *>(QBFCacheFilter::filter(1)));
-    QVERIFY(dynamic_cast<const QRLE8CacheFilter *>(QBFCacheFilter::filter(2)));
-    QVERIFY(dynamic_cast<const QRLE5CacheFilter *>(QBFCacheFilter::filter(3)));
-    QVERIFY(dynamic_cast<const QLZ5CacheFilter *>(QBFCacheFilter::filter(4)));
-    QVERIFY(dynamic_cast<const QPNGCacheFilter *>(QBFCacheFilter::filter(5)));
-    QVERIFY(dynamic_cast<const QByPassCacheFilter *>(QBFCacheFilter::byPass()));
-    QBFCacheFilter::destroyFilters();
-    QVERIFY(QBFCacheFilter::filter(QBFCacheFilter::PCX) == nullptr && QBFCacheFilter::byPass() == nullptr);
 }
 
 QTEST_GUILESS_MAIN(TestCodecs)
