@@ -33,18 +33,6 @@ public:
     void reload(const QString &) override {}
 };
 
-class Receiver : public QObject
-{
-    Q_OBJECT
-public:
-    int hits = 0;
-    bool last = false;
-public slots:
-    void hit() { ++hits; }
-    void toggled(bool on) { last = on; ++hits; }
-signals:
-    void enable(bool);
-};
 } // namespace
 
 // The managers created at start-up: what they list from their folders, and
@@ -64,35 +52,13 @@ private slots:
     }
     void init() { m_xmlFailures.clear(); }
 
-    void translationAndActions()
+    void translationBounds()
     {
         // Out-of-range caption ids give no text rather than reading past the table.
         QTranslationUnit tu;
         QVERIFY(!tu.text(0).isEmpty());
         QCOMPARE(tu.text(QTranslationUnit::Count), QString());
         QCOMPARE(tu.text(-1), QString());
-
-        QActionManager am;
-        Receiver r;
-        QAction2 *plain = am.addAction({1, 4, -1, 5}, "spr_save", 72, false, &r, SLOT(hit()));
-        QAction2 *check = am.addAction({7, -1}, "view_rulers", 31, true, &r, SLOT(toggled(bool)),
-                                       SIGNAL(enable(bool)));
-        QVERIFY(plain->inScope(1) && plain->inScope(4));
-        QVERIFY(!plain->inScope(5)); // the list ends at -1
-        QVERIFY(!plain->inScope(8));
-        QCOMPARE(plain->text(), QStringLiteral("Save"));
-        QCOMPARE(plain->statusTip(), plain->toolTip());
-        plain->trigger();
-        QCOMPARE(r.hits, 1);
-        check->trigger();
-        QVERIFY(r.last);
-        emit r.enable(false);
-        QVERIFY(!check->isEnabled());
-        QCOMPARE(am.action("view_rulers"), check);
-        QVERIFY(!am.action("View_rulers"));
-        QCOMPARE(am.rowCount(), 2);
-        QCOMPARE(am.data(am.index(1, 0)).toString(), check->toolTip());
-        QVERIFY(!am.data(am.index(5, 0)).isValid());
     }
 
     void appearanceFolders()
