@@ -1,5 +1,6 @@
 #include "qspriteseditor.h"
 
+#include "qpaletteseditor.h"
 #include "spritedialogs.h"
 
 #include "base/qmugenmodel.h"
@@ -365,8 +366,18 @@ void QSpritesEditor::updateRanges()
     }
 }
 
+void QSpritesEditor::setPalettes(QPalettesEditor *palettes)
+{
+    m_palettes = palettes;
+    if (palettes)
+        connect(palettes, &QPalettesEditor::shownPaletteChanged, this, &QSpritesEditor::redrawStage);
+}
+
 int QSpritesEditor::shownPalette() const
 {
+    // The palettes panel, when open on this project, decides.
+    if (m_palettes && m_palettes->isActive() && m_palettes->project() == m_project && m_palettes->position() >= 0)
+        return m_palettes->position();
     // Off: the sprites show in the character's own palette (1,1) where there is one.
     const QSprites *s = sprites();
     if (!s || flag("switch_to_imgpal", true))
@@ -404,6 +415,8 @@ void QSpritesEditor::updateSel()
     emit setOnionText(onion ? tr("%1 / %2 (%3, %4)").arg(m_onionPos + 1).arg(n).arg(onion->info.group).arg(onion->info.number)
                             : QStringLiteral("0 / 0"));
     m_updating = false;
+    if (m_palettes && n > 0)
+        m_palettes->followSprite(m_pos);
     if (s) {
         s->setIndex(quint32(m_pos));
         const quint32 v = s->version();
