@@ -210,8 +210,11 @@ void QPaletteWidget::paintEvent(QPaintEvent *)
         }
         p.fillRect(cell, QColor(c.r, c.g, c.b, c.a));
         if (i >= m_count) {
-            // Past the colour count: present in the file but not used by the sprites.
-            p.fillRect(cell, QBrush(palette().color(QPalette::Window), Qt::BDiagPattern));
+            // Past the colour count: kept in the file but not used by the sprites.
+            QColor veil = palette().color(QPalette::Window);
+            veil.setAlpha(170);
+            p.fillRect(cell, veil);
+            p.fillRect(cell, QBrush(palette().color(QPalette::Mid), Qt::BDiagPattern));
         }
     }
     // Entry 0 is the transparent colour of every indexed sprite: a corner mark.
