@@ -23,6 +23,8 @@
 #include <QColorDialog>
 #include <QDir>
 #include <QLabel>
+#include <QListWidget>
+#include <QPushButton>
 #include <QScrollBar>
 #include <QSpinBox>
 #include <QTemporaryDir>
@@ -148,6 +150,29 @@ private slots:
         QCOMPARE(int(s->paletteInfo(p16).number), 6);
         trigger("pal_prev_grp");
         QVERIFY(panel()->position() < p16);
+
+        // Applying to a group changes exactly that group's sprites, in one undo step.
+        const QList<int> before = s->spritePaletteIndices();
+        bar->setValue(p16);
+        const int shown = panel()->position();
+        m_dialog = [](QDialog *d) {
+            const QList<QListWidgetItem *> fives = d->findChild<QListWidget *>(QStringLiteral("groups"))->findItems(QStringLiteral("5"), Qt::MatchExactly);
+            if (fives.size() != 1)
+                return int(QDialog::Rejected);
+            fives.first()->setCheckState(Qt::Checked);
+            d->findChild<QPushButton *>(QStringLiteral("apply"))->click();
+            return int(QDialog::Accepted);
+        };
+        trigger("pal_apply_group");
+        const QList<int> after = s->spritePaletteIndices();
+        int changed = 0;
+        for (int i = 0; i < s->count(); ++i) {
+            QCOMPARE(after[i], s->item(i)->info.group == 5 ? shown : before[i]);
+            changed += after[i] != before[i];
+        }
+        QVERIFY(changed > 0);
+        s->undoStack()->undo();
+        QCOMPARE(s->spritePaletteIndices(), before);
 
         // Leaving the panel gives the stage back to the sprites' own palettes.
         registry().setExtraEditor(QEditorRegistry::NoExtraEditor);

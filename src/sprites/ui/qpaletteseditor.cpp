@@ -19,9 +19,9 @@
 #include "sprites/qsprites.h"
 
 #include <QColorDialog>
-#include <QMainWindow>
 #include <QDir>
 #include <QFileInfo>
+#include <QMainWindow>
 #include <QScrollBar>
 #include <QSpinBox>
 #include <QTimer>
@@ -74,6 +74,8 @@ void QPalettesEditor::setupControls()
         {"pal_undo", 124, SLOT(undo()), SIGNAL(canUndo(bool))},
         {"pal_redo", 125, SLOT(redo()), SIGNAL(canRedo(bool))},
         {"pal_switch_color", 126, SLOT(switchColor()), SIGNAL(canSwitchColor(bool))},
+        {"pal_apply_sprite", 129, SLOT(setSprPal()), SIGNAL(enabled(bool))},
+        {"pal_apply_group", 130, SLOT(setGrpPal()), SIGNAL(enabled(bool))},
         {"pal_set_color", 128, SLOT(setColor()), SIGNAL(canSetColor(bool))},
         {"pal_prev_grp", 134, SLOT(prevGrp()), SIGNAL(enabled(bool))},
         {"pal_next_grp", 135, SLOT(nextGrp()), SIGNAL(enabled(bool))},
@@ -532,4 +534,76 @@ void QPalettesEditor::setColor()
     if (!c.isValid())
         return;
     m_worker->fill(m_view->selection(), QRGBColor::fromRgba(c.rgba()));
+}
+
+// --- applying the palette to sprites -------------------------------------------------
+
+void QPalettesEditor::applyToSprites(const QList<int> &list)
+{
+    QSprites *s = sprites();
+    const int pal = position();
+    if (!s || pal < 0)
+        return;
+    QList<int> changing;
+    for (int i : list)
+        if (const QSpriteItem *item = s->item(i); item && item->info.palette != pal)
+            changing << i;
+    if (changing.isEmpty())
+        return;
+    s->undoStack()->beginMacro(tr("Apply the palette"));
+    for (int i : std::as_const(changing)) {
+        QSpriteInfo info = s->item(i)->info;
+        info.palette = quint16(pal);
+        s->setInfo(i, info);
+    }
+    s->undoStack()->endMacro();
+}
+
+void QPalettesEditor::setSprPal()
+{
+    QSprites *s = sprites();
+    const int n = s ? s->count() : 0;
+    if (n == 0 || position() < 0)
+        return;
+    // The sprite the sprites editor shows is the "current" one.
+    const int current = qBound(0, int(s->index()), n - 1);
+    SaveItem dialog(n, current, window());
+    dialog.setWindowTitle(tr("Apply to the sprites"));
+    if (QAskUser::exec(&dialog) != QDialog::Accepted)
+        return;
+    QList<int> list;
+    if (dialog.which() == SaveItem::Group) {
+        const quint16 group = s->item(current)->info.group;
+        for (int i = 0; i < n; ++i)
+            if (s->item(i)->info.group == group)
+                list << i;
+    } else if (dialog.which() == SaveItem::Interval) {
+        for (int i = qMin(dialog.first(), dialog.last()) - 1; i < qMax(dialog.first(), dialog.last()) && i < n; ++i)
+            if (i >= 0)
+                list << i;
+    } else {
+        list << current;
+    }
+    applyToSprites(list);
+}
+
+void QPalettesEditor::setGrpPal()
+{
+    QSprites *s = sprites();
+    if (!s || s->count() == 0 || position() < 0)
+        return;
+    QList<int> groups;
+    for (int i = 0; i < s->count(); ++i)
+        if (!groups.contains(s->item(i)->info.group))
+            groups << s->item(i)->info.group;
+    std::sort(groups.begin(), groups.end());
+    AppPalDlg dialog(groups, window());
+    connect(&dialog, &AppPalDlg::apply, this, [this, s](const QList<int> &chosen) {
+        QList<int> list;
+        for (int i = 0; i < s->count(); ++i)
+            if (chosen.contains(s->item(i)->info.group))
+                list << i;
+        applyToSprites(list);
+    });
+    QAskUser::exec(&dialog);
 }

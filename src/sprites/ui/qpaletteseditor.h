@@ -57,6 +57,8 @@ public slots:
     void redo();
     void switchColor();
     void setColor();
+    void setSprPal();
+    void setGrpPal();
 
     void selPosChanged(int position);
     void grpChanged(int group);
@@ -91,6 +93,8 @@ private:
     void updateHistoryActions();
     // Stores the colours of the view in the current palette.
     void storeColors();
+    // Every sprite of `sprites` takes the shown palette, as one undo step.
+    void applyToSprites(const QList<int> &sprites);
 
     QEditorRegistry &m_registry;
     QMugenModel *m_config = nullptr;
