@@ -143,6 +143,16 @@ private slots:
         sprites()->updateSel();
         QCOMPARE(panel()->position(), p16);
 
+        // The picker: a click on the sprite selects its colour there and leaves the axis alone.
+        trigger("pal_pick_color");
+        const QSpriteInfo axis = s->item(sprite)->info;
+        const QPoint body = sprites()->stage()->spriteRect().center();
+        QTest::mouseClick(sprites()->stageHost(), Qt::LeftButton, {}, body);
+        const QList<int> picked = view()->selectedIndices();
+        QVERIFY(picked.size() == 1 && picked.first() > 0);
+        QVERIFY(s->item(sprite)->info == axis);
+        trigger("pal_pick_color");
+
         // Group and number edits go through the store's undo.
         qobject_cast<QSpinBox *>(control("pal_num"))->setValue(40);
         QCOMPARE(int(s->paletteInfo(p16).number), 40);

@@ -84,6 +84,9 @@ void QPalettesEditor::setupControls()
         QAction2 *a = actions.addAction(kScope, QString::fromLatin1(c.key), c.caption, false, this, c.slot, c.enabling);
         m_registry.addControl(a->key(), std::make_unique<QInterfaceControlAction>(a));
     }
+    QAction2 *picker = actions.addAction(kScope, QStringLiteral("pal_pick_color"), 127, true, this, SLOT(pickColor(bool)),
+                                         SIGNAL(enabled(bool)));
+    m_registry.addControl(picker->key(), std::make_unique<QInterfaceControlAction>(picker));
 
     using Base = QInterfaceControlWidgetBase;
     auto widget = [&](const char *name, int type, int caption, const char *slot, const char *signal,
@@ -171,6 +174,9 @@ void QPalettesEditor::setProject(QProject *project)
     m_pos = project ? m_positions.value(project) : 0;
     m_viewPalette = -1;
     m_followed = -1;
+    // A selection made in another project's palette means nothing here.
+    if (m_view)
+        m_view->clearSelection();
     if (project && !m_positions.contains(project)) {
         m_positions.insert(project, 0);
         connect(project, &QObject::destroyed, this, [this, project] { m_positions.remove(project); });
@@ -606,4 +612,17 @@ void QPalettesEditor::setGrpPal()
         applyToSprites(list);
     });
     QAskUser::exec(&dialog);
+}
+
+// --- the colour picker ----------------------------------------------------------------
+
+void QPalettesEditor::pickColor(bool on)
+{
+    m_picking = on;
+}
+
+void QPalettesEditor::colorCaptured(uchar index)
+{
+    if (m_view && position() >= 0)
+        m_view->select(index);
 }

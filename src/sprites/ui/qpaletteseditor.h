@@ -44,6 +44,8 @@ public:
     // The sprites editor shows a sprite: with "switch to the palette of the
     // sprite" on, the panel goes to that sprite's palette.
     void followSprite(int sprite);
+    // While the picker is on, a click on the stage selects the colour under it.
+    bool isPicking() const { return m_picking && m_active; }
 
 public slots:
     void clearUnused();
@@ -57,6 +59,8 @@ public slots:
     void redo();
     void switchColor();
     void setColor();
+    void pickColor(bool on);
+    void colorCaptured(uchar index);
     void setSprPal();
     void setGrpPal();
 
@@ -109,4 +113,5 @@ private:
     bool m_updating = false;  // the panel is being filled: its echoes change nothing
     bool m_storing = false;   // our own change is reaching the store
     bool m_refreshPending = false;
+    bool m_picking = false;
 };

@@ -576,6 +576,18 @@ bool QSpritesEditor::eventFilter(QObject *watched, QEvent *event)
     QSprites *s = sprites();
     switch (event->type()) {
     case QEvent::MouseButtonPress:
+        if (m_palettes && m_palettes->isPicking() && static_cast<QMouseEvent *>(event)->button() == Qt::LeftButton) {
+            // The picker takes the click: the colour index under it, and no axis drag.
+            const QPoint at = static_cast<QMouseEvent *>(event)->position().toPoint();
+            const QRect r = m_stage ? m_stage->spriteRect() : QRect();
+            const QImage image = s && r.contains(at) ? s->image(m_pos) : QImage();
+            if (image.format() == QImage::Format_Indexed8 && r.width() > 0 && r.height() > 0) {
+                const int x = qBound(0, (at.x() - r.x()) * image.width() / r.width(), image.width() - 1);
+                const int y = qBound(0, (at.y() - r.y()) * image.height() / r.height(), image.height() - 1);
+                m_palettes->colorCaptured(uchar(image.pixelIndex(x, y)));
+            }
+            return true;
+        }
         if (static_cast<QMouseEvent *>(event)->button() == Qt::LeftButton && s) {
             m_dragging = true;
             m_dragStart = s->undoStack()->index();
