@@ -1,5 +1,6 @@
 #include "qspriteseditor.h"
 
+#include "qpaletteseditor.h"
 #include "spritedialogs.h"
 
 #include "base/qmugenmodel.h"
@@ -365,8 +366,18 @@ void QSpritesEditor::updateRanges()
     }
 }
 
+void QSpritesEditor::setPalettes(QPalettesEditor *palettes)
+{
+    m_palettes = palettes;
+    if (palettes)
+        connect(palettes, &QPalettesEditor::shownPaletteChanged, this, &QSpritesEditor::redrawStage);
+}
+
 int QSpritesEditor::shownPalette() const
 {
+    // The palettes panel, when open on this project, decides.
+    if (m_palettes && m_palettes->isActive() && m_palettes->project() == m_project && m_palettes->position() >= 0)
+        return m_palettes->position();
     // Off: the sprites show in the character's own palette (1,1) where there is one.
     const QSprites *s = sprites();
     if (!s || flag("switch_to_imgpal", true))
@@ -404,6 +415,8 @@ void QSpritesEditor::updateSel()
     emit setOnionText(onion ? tr("%1 / %2 (%3, %4)").arg(m_onionPos + 1).arg(n).arg(onion->info.group).arg(onion->info.number)
                             : QStringLiteral("0 / 0"));
     m_updating = false;
+    if (m_palettes && n > 0)
+        m_palettes->followSprite(m_pos);
     if (s) {
         s->setIndex(quint32(m_pos));
         const quint32 v = s->version();
@@ -563,6 +576,18 @@ bool QSpritesEditor::eventFilter(QObject *watched, QEvent *event)
     QSprites *s = sprites();
     switch (event->type()) {
     case QEvent::MouseButtonPress:
+        if (m_palettes && m_palettes->isPicking() && static_cast<QMouseEvent *>(event)->button() == Qt::LeftButton) {
+            // The picker takes the click: the colour index under it, and no axis drag.
+            const QPoint at = static_cast<QMouseEvent *>(event)->position().toPoint();
+            const QRect r = m_stage ? m_stage->spriteRect() : QRect();
+            const QImage image = s && r.contains(at) ? s->image(m_pos) : QImage();
+            if (image.format() == QImage::Format_Indexed8 && r.width() > 0 && r.height() > 0) {
+                const int x = qBound(0, (at.x() - r.x()) * image.width() / r.width(), image.width() - 1);
+                const int y = qBound(0, (at.y() - r.y()) * image.height() / r.height(), image.height() - 1);
+                m_palettes->colorCaptured(uchar(image.pixelIndex(x, y)));
+            }
+            return true;
+        }
         if (static_cast<QMouseEvent *>(event)->button() == Qt::LeftButton && s) {
             m_dragging = true;
             m_dragStart = s->undoStack()->index();

@@ -10,6 +10,7 @@
 
 class QEditorRegistry;
 class QMugenModel;
+class QPalettesEditor;
 class QSprRender;
 class QSprites;
 struct QAppObjects;
@@ -48,6 +49,8 @@ public:
     // The shared stage, once the workspace that holds it is registered.
     QSprRender *stage();
     QWidget *stageHost();
+    // The palettes panel: while it is open the stage draws in its palette.
+    void setPalettes(QPalettesEditor *palettes);
 
 public slots:
     void clear() override;
@@ -104,6 +107,7 @@ public slots:
 
     void definePos(int position);
     void updateSel();
+    void redrawStage() { updateStage(); }
     void axisChanged(QRenderMode mode, const QPoint &value);
 
 signals:
@@ -156,6 +160,7 @@ private:
     QHash<QProject *, ProjectState> m_states;
     QPointer<QSprRender> m_stage;
     QPointer<QWidget> m_host;
+    QPointer<QPalettesEditor> m_palettes;
     QList<QMetaObject::Connection> m_connections;
     int m_pos = 0;
     bool m_onion = false;

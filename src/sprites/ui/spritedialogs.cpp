@@ -9,6 +9,8 @@
 #include <QGroupBox>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QListWidget>
+#include <QPushButton>
 #include <QRadioButton>
 #include <QSpinBox>
 #include <QVBoxLayout>
@@ -228,3 +230,61 @@ SaveItem::SaveItem(int count, int current, QWidget *parent)
 int SaveItem::which() const { return m_which->checkedId(); }
 int SaveItem::first() const { return m_first->value(); }
 int SaveItem::last() const { return m_last->value(); }
+
+AppPalDlg::AppPalDlg(const QList<int> &groups, QWidget *parent)
+    : QDialog(parent)
+{
+    setObjectName(QStringLiteral("AppPalDlg"));
+    setWindowTitle(tr("Apply to the groups"));
+    auto *layout = new QHBoxLayout(this);
+    m_list = new QListWidget(this);
+    m_list->setObjectName(QStringLiteral("groups"));
+    for (int g : groups) {
+        auto *item = new QListWidgetItem(QString::number(g), m_list);
+        item->setData(Qt::UserRole, g);
+        item->setFlags(Qt::ItemIsEnabled | Qt::ItemIsUserCheckable);
+        item->setCheckState(Qt::Unchecked);
+    }
+    layout->addWidget(m_list);
+    auto *buttons = new QVBoxLayout;
+    const struct
+    {
+        const char *name;
+        QString text;
+    } names[] = {{"selectAll", tr("Select all")}, {"clearSelection", tr("Clear selection")}, {"inverse", tr("Inverse")},
+                 {"apply", tr("Apply")}, {"close", tr("Close")}};
+    for (int i = 0; i < 5; ++i) {
+        auto *b = new QPushButton(names[i].text, this);
+        b->setObjectName(QString::fromLatin1(names[i].name));
+        b->setAutoDefault(false);
+        buttons->addWidget(b);
+        if (i < 3)
+            connect(b, &QPushButton::clicked, this, [this, i] { setAll(i); });
+        else if (i == 3)
+            connect(b, &QPushButton::clicked, this, [this] { emit apply(checkedGroups()); });
+        else
+            connect(b, &QPushButton::clicked, this, &QDialog::accept);
+        if (i == 2)
+            buttons->addSpacing(12);
+    }
+    buttons->addStretch();
+    layout->addLayout(buttons);
+}
+
+QList<int> AppPalDlg::checkedGroups() const
+{
+    QList<int> out;
+    for (int i = 0; i < m_list->count(); ++i)
+        if (m_list->item(i)->checkState() == Qt::Checked)
+            out << m_list->item(i)->data(Qt::UserRole).toInt();
+    return out;
+}
+
+void AppPalDlg::setAll(int mode)
+{
+    for (int i = 0; i < m_list->count(); ++i) {
+        QListWidgetItem *item = m_list->item(i);
+        const bool on = mode == 0 || (mode == 2 && item->checkState() != Qt::Checked);
+        item->setCheckState(on ? Qt::Checked : Qt::Unchecked);
+    }
+}

@@ -5,6 +5,7 @@
 class QButtonGroup;
 class QCheckBox;
 class QComboBox;
+class QListWidget;
 class QRadioButton;
 class QSpinBox;
 
@@ -92,4 +93,23 @@ public:
 private:
     QButtonGroup *m_which;
     QSpinBox *m_first, *m_last;
+};
+
+// The sprite groups, to be checked; "Apply" hands the checked ones to the
+// caller at once and leaves the dialog open, "Close" ends it.
+class AppPalDlg : public QDialog
+{
+    Q_OBJECT
+
+public:
+    AppPalDlg(const QList<int> &groups, QWidget *parent = nullptr);
+    QList<int> checkedGroups() const;
+
+signals:
+    void apply(const QList<int> &groups);
+
+private:
+    void setAll(int mode); // 0 check, 1 uncheck, 2 invert
+
+    QListWidget *m_list;
 };

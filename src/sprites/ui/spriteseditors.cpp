@@ -10,8 +10,14 @@
 
 void registerSpriteEditors(QEditorRegistry &registry, const QAppObjects &objects)
 {
-    registry.addEditor(std::make_unique<QSpritesEditor>(registry, objects));
+    auto sprites = std::make_unique<QSpritesEditor>(registry, objects);
+    auto palettes = std::make_unique<QPalettesEditor>(registry, objects);
+    QSpritesEditor *spritesEditor = sprites.get();
+    QPalettesEditor *palettesEditor = palettes.get();
+    registry.addEditor(std::move(sprites));
     registry.addExtraEditor(std::make_unique<QOrganizerEditor>());
-    registry.addExtraEditor(std::make_unique<QPalettesEditor>());
+    registry.addExtraEditor(std::move(palettes));
+    palettesEditor->setupControls();
+    spritesEditor->setPalettes(palettesEditor);
     registry.addExtraEditor(std::make_unique<QThumbnailsEditor>());
 }
