@@ -313,6 +313,19 @@ void TestAnimationsEditor::textViewAndGif()
     messages.clear();
     editor->find(QStringLiteral("no such name at all"), {});
     QCOMPARE(messages, QStringList{QStringLiteral("No animation found!")});
+
+    // The stage is shared with the sprites: the text view leaves with the
+    // animations and stays away whatever its mode does meanwhile.
+    QEditorRegistry &registry = root->controller()->registry();
+    registry.editorSwitch(1);
+    QVERIFY(editor->textView()->isHidden());
+    registry.setCurrentProject(root->controller()->currentProject());
+    QVERIFY(editor->textView()->isHidden());
+    editor->action(QStringLiteral("air_text_full"))->trigger();
+    editor->action(QStringLiteral("air_text_full"))->trigger();
+    QVERIFY(editor->textView()->isHidden());
+    registry.editorSwitch(2);
+    QVERIFY(!editor->textView()->isHidden());
 }
 
 // With BF_SCREENSHOT_DIR set: the tab mid-play with boxes, the text view,

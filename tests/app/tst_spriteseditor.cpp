@@ -357,6 +357,9 @@ private slots:
         editor()->stage()->setOrigin(editor()->stageHost()->width() / 3, editor()->stageHost()->height() / 4);
         editor()->definePos(store()->findSprite(0, 9000, 1));
         shoot("sprites-kfm-portrait.png");
+        editor()->definePos(store()->findSprite(0, 0, 0));
+        registry().setExtraEditor(1);
+        shoot("palettes-kfm-1-1.png");
     }
 
     void largeStoreDecodesOnlyWhatItShows()

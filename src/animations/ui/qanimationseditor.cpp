@@ -443,6 +443,10 @@ void QAnimationsEditor::storeModified()
 void QAnimationsEditor::activate(bool reload)
 {
     QInterfaceEditor::activate(reload);
+    // Without reload the project changed under an editor that is not in
+    // front: the shared stage belongs to the one that is.
+    if (!reload)
+        return;
     m_active = true;
     QAnimSpriteWorkspace *ws = workspace();
     if (!ws)

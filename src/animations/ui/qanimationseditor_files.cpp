@@ -190,7 +190,9 @@ void QAnimationsEditor::txtModeChanged(bool full)
     forceStop();
     m_fullText = full;
     refreshText();
-    attachViews();
+    // The stage is shared: only the editor in front may place its view there.
+    if (isActive())
+        attachViews();
 }
 
 // ------------------------------------------------------------------ files and clipboard
