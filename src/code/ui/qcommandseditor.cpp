@@ -13,50 +13,6 @@ QSyntaxTextEditor *QCommandsEditor::document() const
     return m_project ? m_project->commands() : nullptr;
 }
 
-bool QCommandsEditor::isModified() const
-{
-    const QSyntaxTextEditor *doc = document();
-    return doc && doc->isModified();
-}
-
-void QCommandsEditor::clear()
-{
-    QSyntaxTextEditor *doc = document();
-    if (doc && confirmDiscard(discardQuestion()))
-        doc->clear();
-}
-
-void QCommandsEditor::open()
-{
-    QSyntaxTextEditor *doc = document();
-    if (!doc || !confirmDiscard(discardQuestion()))
-        return;
-    const QString file = askOpen(tr("Open commands"), QProject::fileFilter(QProjectFile::Commands));
-    if (!file.isEmpty())
-        loadInto(doc, file);
-}
-
-void QCommandsEditor::save()
-{
-    QSyntaxTextEditor *doc = document();
-    if (!doc)
-        return;
-    if (doc->fileName().isEmpty())
-        saveAs();
-    else
-        saveTo(doc, doc->fileName());
-}
-
-void QCommandsEditor::saveAs()
-{
-    QSyntaxTextEditor *doc = document();
-    if (!doc)
-        return;
-    const QString file = askSave(tr("Save commands as"), QProject::fileFilter(QProjectFile::Commands), doc->fileName());
-    if (!file.isEmpty())
-        saveTo(doc, file);
-}
-
 int QCommandsEditor::uniqueCommands(const QString &text)
 {
     static const QRegularExpression header(QStringLiteral("^\\s*\\[\\s*([^\\]]*)\\]"));

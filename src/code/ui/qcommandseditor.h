@@ -18,8 +18,10 @@ public:
     int layoutFlags() const override { return 3; }
     int projectTypes() const override { return 1; }
     int captionId() const override { return 195; }
-    bool isModified() const override;
     QSyntaxTextEditor *document() const override;
+    QProjectFile fileKind() const override { return QProjectFile::Commands; }
+    QString openCaption() const override { return tr("Open commands"); }
+    QString saveAsCaption() const override { return tr("Save commands as"); }
     QList<QSyntaxTextEditor *> documentsOf(QProject *project) const override { return {project->commands()}; }
     QString discardQuestion() const override
     {
@@ -37,9 +39,4 @@ private:
     mutable int m_countedRevision = -1;
     mutable int m_count = 0;
 
-public slots:
-    void clear() override;
-    void open() override;
-    void save() override;
-    void saveAs() override;
 };

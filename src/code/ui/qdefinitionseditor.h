@@ -17,17 +17,13 @@ public:
     int layoutFlags() const override { return 3; }
     int projectTypes() const override { return 15; }
     int captionId() const override { return 64; }
-    bool isModified() const override;
     QSyntaxTextEditor *document() const override;
+    QProjectFile fileKind() const override { return QProjectFile::Definitions; }
+    QString openCaption() const override { return tr("Open definitions"); }
+    QString saveAsCaption() const override { return tr("Save definitions as"); }
     QList<QSyntaxTextEditor *> documentsOf(QProject *project) const override { return {project->definitions()}; }
     QString discardQuestion() const override
     {
         return tr("Do you really want to discard the changes made in the definitions?");
     }
-
-public slots:
-    void clear() override;
-    void open() override;
-    void save() override;
-    void saveAs() override;
 };

@@ -23,12 +23,6 @@ QList<QSyntaxTextEditor *> QStatesEditor::documentsOf(QProject *project) const
     return docs;
 }
 
-bool QStatesEditor::isModified() const
-{
-    const QList<QSyntaxTextEditor *> docs = documentsOf(m_project);
-    return std::any_of(docs.begin(), docs.end(), [](const QSyntaxTextEditor *d) { return d->isModified(); });
-}
-
 void QStatesEditor::activate(bool reload)
 {
     if (reload && m_workspace) {
@@ -108,7 +102,7 @@ void QStatesEditor::open()
 {
     if (!m_project)
         return;
-    const QString file = askOpen(tr("Open states"), QProject::fileFilter(QProjectFile::States));
+    const QString file = askOpen(openCaption(), QProject::fileFilter(fileKind()));
     if (file.isEmpty())
         return;
     QSyntaxTextEditor *doc = m_project->addState();
@@ -124,23 +118,12 @@ void QStatesEditor::open()
     }
 }
 
-void QStatesEditor::save()
-{
-    QSyntaxTextEditor *doc = document();
-    if (!doc)
-        return;
-    if (doc->fileName().isEmpty())
-        saveAs();
-    else
-        saveTo(doc, doc->fileName());
-}
-
 void QStatesEditor::saveAs()
 {
     QSyntaxTextEditor *doc = document();
     if (!doc)
         return;
-    const QString file = askSave(tr("Save states as"), QProject::fileFilter(QProjectFile::States), doc->fileName());
+    const QString file = askSave(saveAsCaption(), QProject::fileFilter(fileKind()), doc->fileName());
     if (file.isEmpty() || !saveTo(doc, file))
         return;
     doc->setObjectName(QFileInfo(file).fileName());

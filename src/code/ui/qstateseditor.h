@@ -18,11 +18,13 @@ public:
     int layoutFlags() const override { return 11; }
     int projectTypes() const override { return 1; }
     int captionId() const override { return 200; }
-    bool isModified() const override;
     void activate(bool reload) override;
     void deactivate() override;
     void setProject(QProject *project) override;
     QSyntaxTextEditor *document() const override;
+    QProjectFile fileKind() const override { return QProjectFile::States; }
+    QString openCaption() const override { return tr("Open states"); }
+    QString saveAsCaption() const override { return tr("Save states as"); }
     QList<QSyntaxTextEditor *> documentsOf(QProject *project) const override;
     QString discardQuestion() const override
     {
@@ -36,7 +38,6 @@ public:
 public slots:
     void clear() override;
     void open() override;
-    void save() override;
     void saveAs() override;
     void tabChanged(int index);
 

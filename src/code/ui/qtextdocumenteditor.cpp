@@ -193,3 +193,49 @@ QString QTextDocumentEditor::askSave(const QString &caption, const QString &filt
         m_project->setPath(QStringLiteral("proj_path"), QFileInfo(file).absolutePath());
     return file;
 }
+
+bool QTextDocumentEditor::isModified() const
+{
+    if (!m_project)
+        return false;
+    const QList<QSyntaxTextEditor *> docs = documentsOf(m_project);
+    return std::any_of(docs.begin(), docs.end(), [](const QSyntaxTextEditor *d) { return d && d->isModified(); });
+}
+
+void QTextDocumentEditor::clear()
+{
+    QSyntaxTextEditor *doc = document();
+    if (doc && confirmDiscard(discardQuestion()))
+        doc->clear();
+}
+
+void QTextDocumentEditor::open()
+{
+    QSyntaxTextEditor *doc = document();
+    if (!doc || !confirmDiscard(discardQuestion()))
+        return;
+    const QString file = askOpen(openCaption(), QProject::fileFilter(fileKind()));
+    if (!file.isEmpty())
+        loadInto(doc, file);
+}
+
+void QTextDocumentEditor::save()
+{
+    QSyntaxTextEditor *doc = document();
+    if (!doc)
+        return;
+    if (doc->fileName().isEmpty())
+        saveAs();
+    else
+        saveTo(doc, doc->fileName());
+}
+
+void QTextDocumentEditor::saveAs()
+{
+    QSyntaxTextEditor *doc = document();
+    if (!doc)
+        return;
+    const QString file = askSave(saveAsCaption(), QProject::fileFilter(fileKind()), doc->fileName());
+    if (!file.isEmpty())
+        saveTo(doc, file);
+}

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "code/qsyntaxtexteditor.h"
+#include "project/qproject.h"
 #include "shell/qinterfaceeditor.h"
 
 #include <QList>
@@ -43,9 +44,21 @@ public:
     virtual QList<QSyntaxTextEditor *> documentsOf(QProject *project) const = 0;
     // "Do you really want to discard the changes made in the ...?"
     virtual QString discardQuestion() const = 0;
+    // The kind of file the editor's documents are, and the captions of its
+    // open and save-as dialogs.
+    virtual QProjectFile fileKind() const = 0;
+    virtual QString openCaption() const = 0;
+    virtual QString saveAsCaption() const = 0;
+    // Unsaved changes in any of the current project's documents of this editor.
+    bool isModified() const override;
     QTextWorkspace *workspace() const { return m_workspace; }
 
 public slots:
+    // One document: start it afresh, load another file into it, save it.
+    void clear() override;
+    void open() override;
+    void save() override;
+    void saveAs() override;
     void undo() override;
     void redo() override;
     void cut() override;
