@@ -10,7 +10,7 @@ pkgs=(
   liblua5.1-0-dev libuchardet-dev libgif-dev zlib1g-dev
   libbenchmark-dev googletest
   clang libclang-rt-dev
-  xvfb xauth imagemagick
+  xvfb xauth imagemagick python3-pil
   gstreamer1.0-plugins-base gstreamer1.0-plugins-good
   gstreamer1.0-pulseaudio pulseaudio pulseaudio-utils
   qt6-qpa-plugins qt6-image-formats-plugins fonts-dejavu-core

@@ -282,7 +282,10 @@ void TestGif::everyKfmFrameDecodes()
 
 void TestGif::pilReadsKfm()
 {
-    const QString python = QStandardPaths::findExecutable(QStringLiteral("python3"));
+    // The system's own python3 first: that is where the setup's PIL goes.
+    QString python = QStandardPaths::findExecutable(QStringLiteral("python3"), {QStringLiteral("/usr/bin")});
+    if (python.isEmpty())
+        python = QStandardPaths::findExecutable(QStringLiteral("python3"));
     if (python.isEmpty())
         QSKIP("python3 is not installed: the check of the GIF files by PIL did not run");
     if (QProcess::execute(python, {QStringLiteral("-c"), QStringLiteral("import PIL")}) != 0)
