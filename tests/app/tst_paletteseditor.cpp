@@ -1,6 +1,7 @@
 // The palettes panel beside the sprites, driven through its buttons and
 // controls, with every question answered through QAskUser.
 #include "approot.h"
+#include "askrecorder.h"
 #include "palettesupport.h"
 #include "testsupport.h"
 
@@ -37,10 +38,7 @@ class TestPalettesEditor : public QObject
     QTemporaryDir m_home;
     QTemporaryDir m_files;
     std::unique_ptr<QAppRoot> m_root;
-    QStringList m_messages;
-    QMessageBox::StandardButton m_answer = QMessageBox::Yes;
-    QStringList m_fileAnswers;
-    std::function<int(QDialog *)> m_dialog;
+    std::unique_ptr<TestSupport::AskRecorder> m_ask;
 
     QInterface *ui() const { return m_root->controller(); }
     QEditorRegistry &registry() const { return ui()->registry(); }
@@ -78,29 +76,16 @@ private slots:
         m_root = TestSupport::startProgram(m_home.path());
         m_root->window()->resize(1280, 860);
         m_root->window()->show();
-        QAskUser::setMessageHandler([this](QMessageBox::Icon, const QString &title, const QString &text,
-                                           QMessageBox::StandardButtons, QMessageBox::StandardButton) {
-            m_messages << title + QLatin1String(": ") + text;
-            return m_answer;
-        });
-        QAskUser::setFileHandler([this](QAskUser::FileMode, const QString &, const QString &, const QString &) {
-            return m_fileAnswers.isEmpty() ? QString() : m_fileAnswers.takeFirst();
-        });
-        QAskUser::setDialogHandler([this](QDialog *d) { return m_dialog ? m_dialog(d) : int(QDialog::Accepted); });
+        m_ask = std::make_unique<TestSupport::AskRecorder>();
     }
     void cleanupTestCase()
     {
-        QAskUser::setMessageHandler({});
-        QAskUser::setFileHandler({});
-        QAskUser::setDialogHandler({});
+        m_ask.reset();
         m_root.reset();
     }
     void init()
     {
-        m_messages.clear();
-        m_fileAnswers.clear();
-        m_dialog = nullptr;
-        m_answer = QMessageBox::Yes;
+        m_ask->reset();
     }
 
     void browsesKfmAndRecoloursTheStage()
@@ -165,7 +150,7 @@ private slots:
         const QList<int> before = s->spritePaletteIndices();
         bar->setValue(p16);
         const int shown = panel()->position();
-        m_dialog = [](QDialog *d) {
+        m_ask->onDialog = [](QDialog *d) {
             const QList<QListWidgetItem *> fives = d->findChild<QListWidget *>(QStringLiteral("groups"))->findItems(QStringLiteral("5"), Qt::MatchExactly);
             if (fives.size() != 1)
                 return int(QDialog::Rejected);
@@ -194,7 +179,7 @@ private slots:
         freshProject();
         QSprites *s = store();
         // No: a blank palette after the current one.
-        m_answer = QMessageBox::No;
+        m_ask->answer = QMessageBox::No;
         trigger("pal_add");
         trigger("pal_add");
         QCOMPARE(s->paletteCount(), 2);
@@ -202,21 +187,21 @@ private slots:
         QCOMPARE(label("pal_sel_lb"), QStringLiteral("2 / 2"));
 
         // Yes: one palette per file, after the current one; a bad file is reported by name.
-        m_answer = QMessageBox::Yes;
+        m_ask->answer = QMessageBox::Yes;
         const QString a = m_files.filePath(QStringLiteral("a.act")), b = m_files.filePath(QStringLiteral("b.act"));
         const QString bad = m_files.filePath(QStringLiteral("bad.pal"));
         QVERIFY(QPaletteFile::saveAct(a, ramp(1)) && QPaletteFile::saveAct(b, ramp(2)));
         QVERIFY(TestSupport::writeAll(bad, "JASC-PAL\r\nnonsense"));
-        m_fileAnswers << QStringList{a, bad, b}.join(QLatin1Char('\n'));
+        m_ask->files << QStringList{a, bad, b}.join(QLatin1Char('\n'));
         trigger("pal_add");
         QCOMPARE(s->paletteCount(), 4);
         QCOMPARE(s->paletteColors(2)->colors[7], ramp(1)[7]);
         QCOMPARE(s->paletteColors(3)->colors[200], ramp(2)[200]);
-        QVERIFY(m_messages.last().contains(QStringLiteral("bad.pal")));
+        QVERIFY(m_ask->messages().last().contains(QStringLiteral("bad.pal")));
 
         // Open loads a file into the shown palette, and the panel's undo takes it back.
         const QRGBPal before = *s->paletteColors(panel()->position());
-        m_fileAnswers << a;
+        m_ask->files << a;
         trigger("pal_open");
         QCOMPARE(*s->paletteColors(panel()->position()), ramp(1));
         trigger("pal_undo");
@@ -225,16 +210,16 @@ private slots:
         // Several palettes are saved as group-number.act, 768 bytes each; a cancel writes nothing.
         QDir out(m_files.filePath(QStringLiteral("out")));
         QVERIFY(out.mkpath(QStringLiteral(".")));
-        m_dialog = [](QDialog *) { return int(QDialog::Rejected); };
+        m_ask->onDialog = [](QDialog *) { return int(QDialog::Rejected); };
         trigger("pal_save");
         QVERIFY(out.isEmpty());
-        m_dialog = [](QDialog *d) {
+        m_ask->onDialog = [](QDialog *d) {
             d->findChild<QSpinBox *>(QStringLiteral("start"))->setValue(1);
             d->findChild<QSpinBox *>(QStringLiteral("end"))->setValue(4);
             d->findChild<QAbstractButton *>(QStringLiteral("interval"))->setChecked(true);
             return int(QDialog::Accepted);
         };
-        m_fileAnswers << out.filePath(QStringLiteral("pal.act"));
+        m_ask->files << out.filePath(QStringLiteral("pal.act"));
         const QList<int> indices = s->spritePaletteIndices();
         const int undoIndex = s->undoStack()->index();
         trigger("pal_save");
@@ -251,20 +236,20 @@ private slots:
         QCOMPARE(s->spritePaletteIndices(), indices);
 
         // Delete asks first; No keeps the palette.
-        m_answer = QMessageBox::No;
+        m_ask->answer = QMessageBox::No;
         trigger("pal_delete");
         QCOMPARE(s->paletteCount(), 4);
-        m_answer = QMessageBox::Yes;
+        m_ask->answer = QMessageBox::Yes;
         trigger("pal_delete");
         QCOMPARE(s->paletteCount(), 3);
-        QVERIFY(m_messages.last().startsWith(QStringLiteral("Delete palette: ")));
+        QVERIFY(m_ask->messages().last().startsWith(QStringLiteral("Delete palette: ")));
     }
 
     void setsMovesAndUndoesColours()
     {
         freshProject();
         QSprites *s = store();
-        m_answer = QMessageBox::No;
+        m_ask->answer = QMessageBox::No;
         trigger("pal_add");
         const int p = panel()->position();
         QVERIFY(!enabled("pal_set_color") && !enabled("pal_undo"));
@@ -273,7 +258,7 @@ private slots:
         view()->select(5);
         view()->select(9, true);
         QVERIFY(enabled("pal_switch_color"));
-        m_dialog = [](QDialog *d) {
+        m_ask->onDialog = [](QDialog *d) {
             auto *dialog = qobject_cast<QColorDialog *>(d);
             if (!dialog || d->windowTitle() != QLatin1String("Color"))
                 return int(QDialog::Rejected);

@@ -2,6 +2,7 @@
 // the keys on the stage and the mouse on the axis, with every question
 // answered through QAskUser.
 #include "approot.h"
+#include "askrecorder.h"
 #include "testsupport.h"
 
 #include "project/qproject.h"
@@ -32,9 +33,7 @@ class TestSpritesEditor : public QObject
     QTemporaryDir m_home;
     QTemporaryDir m_files;
     std::unique_ptr<QAppRoot> m_root;
-    QStringList m_messages;
-    QStringList m_fileAnswers; // answers of the file dialogs, in order
-    std::function<void(QDialog *)> m_dialog;
+    std::unique_ptr<TestSupport::AskRecorder> m_ask;
 
     QInterface *ui() const { return m_root->controller(); }
     QEditorRegistry &registry() const { return ui()->registry(); }
@@ -79,32 +78,16 @@ private slots:
         m_root = TestSupport::startProgram(m_home.path());
         m_root->window()->resize(1280, 860);
         m_root->window()->show();
-        QAskUser::setMessageHandler([this](QMessageBox::Icon, const QString &title, const QString &text,
-                                           QMessageBox::StandardButtons, QMessageBox::StandardButton) {
-            m_messages << title + QLatin1String(": ") + text;
-            return QMessageBox::Yes;
-        });
-        QAskUser::setFileHandler([this](QAskUser::FileMode, const QString &, const QString &, const QString &) {
-            return m_fileAnswers.isEmpty() ? QString() : m_fileAnswers.takeFirst();
-        });
-        QAskUser::setDialogHandler([this](QDialog *d) {
-            if (m_dialog)
-                m_dialog(d);
-            return int(QDialog::Accepted);
-        });
+        m_ask = std::make_unique<TestSupport::AskRecorder>();
     }
     void cleanupTestCase()
     {
-        QAskUser::setMessageHandler({});
-        QAskUser::setFileHandler({});
-        QAskUser::setDialogHandler({});
+        m_ask.reset();
         m_root.reset();
     }
     void init()
     {
-        m_messages.clear();
-        m_fileAnswers.clear();
-        m_dialog = nullptr;
+        m_ask->reset();
     }
 
     void browsesKfmWithThePanelAndTheKeys()
@@ -185,7 +168,7 @@ private slots:
         emit registry().editFind(QStringLiteral("%1,%2").arg(target.group).arg(target.number), {});
         QCOMPARE(s->findSprite(0, target.group, target.number), editor()->position());
         emit registry().editFind(QStringLiteral("65000,1"), {});
-        QVERIFY(m_messages.last().endsWith(QLatin1String("No sprite found!")));
+        QVERIFY(m_ask->messages().last().endsWith(QLatin1String("No sprite found!")));
     }
 
     void addsSavesAndCrops()
@@ -193,8 +176,8 @@ private slots:
         freshProject();
         const QStringList files = writeImages(10, QStringLiteral("add"));
         QCOMPARE(files.size(), 10);
-        m_fileAnswers << files.join(QLatin1Char('\n'));
-        m_dialog = [](QDialog *d) {
+        m_ask->files << files.join(QLatin1Char('\n'));
+        m_ask->fill = [](QDialog *d) {
             d->findChild<QSpinBox *>("group")->setValue(7);
             d->findChild<QSpinBox *>("index")->setValue(0);
             d->findChild<QAbstractButton *>("TenInc")->setChecked(true);
@@ -213,7 +196,7 @@ private slots:
         const QString sff = m_files.filePath(QStringLiteral("added.sff"));
         s->setFileName(sff);
         trigger("spr_save");
-        QVERIFY(m_messages.isEmpty());
+        QVERIFY(m_ask->messages().isEmpty());
         QSprites back;
         QVERIFY(back.fromFile(sff, false, false));
         QCOMPARE(back.count(), 10);
@@ -231,7 +214,7 @@ private slots:
         QCOMPARE(s->count(), 10);
 
         // Duplicate as a link, then delete the original: the link inherits the image.
-        m_dialog = [](QDialog *d) { d->findChild<QAbstractButton *>("DuplLink")->setChecked(true); };
+        m_ask->fill = [](QDialog *d) { d->findChild<QAbstractButton *>("DuplLink")->setChecked(true); };
         editor()->definePos(2);
         trigger("spr_duplicate");
         QCOMPARE(s->count(), 11);
@@ -243,7 +226,7 @@ private slots:
         QVERIFY(!s->image(2).isNull());
 
         // A new picture for a sprite keeps its place and info; undo brings the old one back.
-        m_fileAnswers << writeImages(1, QStringLiteral("replace")).first();
+        m_ask->files << writeImages(1, QStringLiteral("replace")).first();
         editor()->definePos(0);
         const quint32 oldSize = s->spriteSize(0);
         const QSpriteInfo oldInfo = s->item(0)->info;
@@ -254,11 +237,11 @@ private slots:
         QCOMPARE(s->spriteSize(0), oldSize);
 
         // Renaming and deleting a group go through their dialogs.
-        m_dialog = [](QDialog *d) { d->findChild<QSpinBox *>("newGroup")->setValue(9); };
+        m_ask->fill = [](QDialog *d) { d->findChild<QSpinBox *>("newGroup")->setValue(9); };
         trigger("spr_rename_grp");
         QCOMPARE(s->findSprite(0, 7, 0), -1);
         QCOMPARE(s->findSprite(0, 9, 0), 0);
-        m_dialog = [](QDialog *d) {
+        m_ask->fill = [](QDialog *d) {
             d->findChild<QAbstractButton *>("interval")->setChecked(true);
             d->findChild<QSpinBox *>("start")->setValue(0);
             d->findChild<QSpinBox *>("end")->setValue(40);
@@ -270,8 +253,8 @@ private slots:
     void exportsReplacesAndSplits()
     {
         freshProject();
-        m_fileAnswers << writeImages(3, QStringLiteral("exp")).join(QLatin1Char('\n'));
-        m_dialog = [](QDialog *d) {
+        m_ask->files << writeImages(3, QStringLiteral("exp")).join(QLatin1Char('\n'));
+        m_ask->fill = [](QDialog *d) {
             d->findChild<QSpinBox *>("group")->setValue(0);
             d->findChild<QAbstractButton *>("AxisC")->setChecked(true);
         };
@@ -282,8 +265,8 @@ private slots:
         // Aligned: every file one canvas, each axis on one point, and the axis written down.
         QDir out(m_files.filePath(QStringLiteral("aligned")));
         QVERIFY(out.mkpath(QStringLiteral(".")));
-        m_fileAnswers << out.filePath(QStringLiteral("kfm.png"));
-        m_dialog = [](QDialog *d) { d->findChild<QAbstractButton *>("interval")->setChecked(true); };
+        m_ask->files << out.filePath(QStringLiteral("kfm.png"));
+        m_ask->fill = [](QDialog *d) { d->findChild<QAbstractButton *>("interval")->setChecked(true); };
         trigger("spr_saveimg_aligned");
         QStringList written = out.entryList({QStringLiteral("*.png")}, QDir::Files, QDir::Name);
         QCOMPARE(written, (QStringList{"kfm_0-0.png", "kfm_0-1.png", "kfm_0-2.png"}));
@@ -293,13 +276,13 @@ private slots:
             QCOMPARE(QImage(out.filePath(name)).size(), QSize(axisMax.x() + sizeMax.x(), axisMax.y() + sizeMax.y()));
         QCOMPARE(TestSupport::readAll(out.filePath(QStringLiteral("axis.txt"))),
                  QStringLiteral("X axis: %1\r\nY axis: %2\r\n").arg(axisMax.x()).arg(axisMax.y()).toUtf8());
-        QVERIFY(m_messages.last().startsWith(QLatin1String("Perfect axis: The axis is X:")));
+        QVERIFY(m_ask->messages().last().startsWith(QLatin1String("Perfect axis: The axis is X:")));
 
         // A failed export names the file and keeps the store as it was.
-        m_fileAnswers << m_files.filePath(QStringLiteral("missing/folder/one.png"));
-        m_dialog = [](QDialog *d) { d->findChild<QAbstractButton *>("current")->setChecked(true); };
+        m_ask->files << m_files.filePath(QStringLiteral("missing/folder/one.png"));
+        m_ask->fill = [](QDialog *d) { d->findChild<QAbstractButton *>("current")->setChecked(true); };
         trigger("spr_saveimg");
-        QVERIFY(m_messages.last().contains(QLatin1String("one.png")));
+        QVERIFY(m_ask->messages().last().contains(QLatin1String("one.png")));
 
         // Replace ",5" changes the number and nothing else.
         editor()->definePos(1);

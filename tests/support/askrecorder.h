@@ -19,6 +19,7 @@ struct AskRecorder
     QStringList files; // handed out in order by file dialogs, then empty names
     QMessageBox::StandardButton answer = QMessageBox::Yes;
     std::function<int(QDialog *)> onDialog;
+    std::function<void(QDialog *)> fill; // fills a dialog in before it is accepted
 
     AskRecorder()
     {
@@ -33,7 +34,13 @@ struct AskRecorder
             return files.isEmpty() ? QString() : files.takeFirst();
         });
         m_dialogs = QAskUser::setDialogHandler(
-            [this](QDialog *dialog) { return onDialog ? onDialog(dialog) : int(QDialog::Accepted); });
+            [this](QDialog *dialog) {
+                if (onDialog)
+                    return onDialog(dialog);
+                if (fill)
+                    fill(dialog);
+                return int(QDialog::Accepted);
+            });
     }
     ~AskRecorder()
     {
@@ -44,11 +51,23 @@ struct AskRecorder
     AskRecorder(const AskRecorder &) = delete;
     AskRecorder &operator=(const AskRecorder &) = delete;
 
-    // Forgets what was asked so far.
+    // "title: text" of each message so far.
+    QStringList messages() const
+    {
+        QStringList out;
+        for (qsizetype i = 0; i < titles.size(); ++i)
+            out << titles.at(i) + QLatin1String(": ") + texts.at(i);
+        return out;
+    }
+    // Forgets what was asked so far and answers as at the start.
     void reset()
     {
         titles.clear();
         texts.clear();
+        files.clear();
+        answer = QMessageBox::Yes;
+        onDialog = nullptr;
+        fill = nullptr;
     }
 
 private:
