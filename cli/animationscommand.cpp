@@ -3,6 +3,7 @@
 #include "atomicwrite.h"
 #include "commandstart.h"
 #include "console.h"
+#include "deffile.h"
 #include "animations/airformat.h"
 #include "animations/qanimations.h"
 #include "base/qmessages.h"
@@ -68,24 +69,19 @@ bool read(const QString &path, Source *source, bool followDef)
     source->file = path;
     if (isDefinitions(path)) {
         QProject project;
-        if (!project.definitions()->loadFile(path, 0)) {
-            Console::fail(QStringLiteral("'%1': %2").arg(QDir::toNativeSeparators(path),
-                                                          project.definitions()->errorString()));
+        if (!DefFile::load(project, path))
             return false;
-        }
         const QProjectDefFiles files = project.scanDef(path);
         if (!files.animation.isEmpty()) {
-            const QString air = QProject::resolveFile(files.folder, files.animation);
             if (!followDef) {
                 Console::fail(QStringLiteral("'%1' keeps its animations in '%2': convert that file")
-                                  .arg(QDir::toNativeSeparators(path), QDir::toNativeSeparators(air)));
+                                  .arg(QDir::toNativeSeparators(path),
+                                       QDir::toNativeSeparators(QProject::resolveFile(files.folder, files.animation))));
                 return false;
             }
-            if (!QFileInfo(air).isFile()) {
-                Console::fail(QStringLiteral("'%1' names the animation file '%2', which does not exist")
-                                  .arg(QDir::toNativeSeparators(path), QDir::toNativeSeparators(air)));
+            QString air;
+            if (!DefFile::named(path, files, files.animation, "animation", &air))
                 return false;
-            }
             source->file = air;
         } else {
             source->defText = project.definitions()->text();

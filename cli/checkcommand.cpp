@@ -2,6 +2,7 @@
 
 #include "commandstart.h"
 #include "console.h"
+#include "deffile.h"
 #include "issuesjson.h"
 #include "base/qapppaths.h"
 #include "base/qmessages.h"
@@ -84,10 +85,8 @@ bool checkDefinitions(Run &run, const QString &path)
 {
     QProject project;
     QSyntaxTextEditor *def = project.definitions();
-    if (!def->loadFile(path, 0)) {
-        Console::fail(QStringLiteral("'%1': %2").arg(QDir::toNativeSeparators(path), def->errorString()));
+    if (!DefFile::load(project, path))
         return false;
-    }
     const QString versionText = def->findValue(QStringLiteral("info"), QStringLiteral("mugenversion"));
     const quint32 version = versionText.isEmpty() ? QProject::DefaultVersion : QProject::parseVersion(versionText);
     auto named = [def](const char *key) {

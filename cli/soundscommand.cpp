@@ -3,6 +3,7 @@
 #include "atomicwrite.h"
 #include "commandstart.h"
 #include "console.h"
+#include "deffile.h"
 #include "base/qmessages.h"
 #include "project/qproject.h"
 #include "sounds/qsounds.h"
@@ -85,22 +86,11 @@ bool resolve(const QString &path, QString *snd)
     if (!existingFile(path))
         return false;
     QProject project;
-    if (!project.definitions()->loadFile(path, 0)) {
-        Console::fail(QStringLiteral("'%1': %2").arg(QDir::toNativeSeparators(path),
-                                                      project.definitions()->errorString()));
+    if (!DefFile::load(project, path))
         return false;
-    }
     const QProjectDefFiles files = project.scanDef(path);
     snd->clear();
-    if (files.sound.isEmpty())
-        return true;
-    *snd = QProject::resolveFile(files.folder, files.sound);
-    if (!QFileInfo(*snd).isFile()) {
-        Console::fail(QStringLiteral("'%1' names the sound file '%2', which does not exist")
-                          .arg(QDir::toNativeSeparators(path), QDir::toNativeSeparators(*snd)));
-        return false;
-    }
-    return true;
+    return files.sound.isEmpty() || DefFile::named(path, files, files.sound, "sound", snd);
 }
 
 } // namespace

@@ -198,6 +198,8 @@ private:
     // Writes a field of the current frame through `edit` and records the step.
     void editFrame(const std::function<void(AnimFrameData &)> &edit);
     // Copies fields of the current frame to every frame after it, as one step.
+    // Stops playing; false when there are unsaved changes the user keeps.
+    bool stopAndConfirmDiscard();
     void applyToFollowingFrames(const std::function<void(AnimFrameData &, const AnimFrameData &)> &copy,
                                 const QString &text);
     // Records the store's state after an edit as one undo step, and shows it.

@@ -197,15 +197,21 @@ void QAnimationsEditor::txtModeChanged(bool full)
 
 // ------------------------------------------------------------------ files and clipboard
 
+bool QAnimationsEditor::stopAndConfirmDiscard()
+{
+    forceStop();
+    const QAnimations *s = store();
+    return !s || !s->isModified()
+           || QAskUser::question(dialogParent(), tr("Confirmation"),
+                                 tr("Do you really want to discard the changes made in the animations?"));
+}
+
 void QAnimationsEditor::clear()
 {
     QAnimations *s = store();
     if (!s)
         return;
-    forceStop();
-    if (s->isModified()
-        && !QAskUser::question(dialogParent(), tr("Confirmation"),
-                               tr("Do you really want to discard the changes made in the animations?")))
+    if (!stopAndConfirmDiscard())
         return;
     s->clear();
     if (QUndoStack *stack = undoStack())
@@ -219,10 +225,7 @@ void QAnimationsEditor::open()
     QAnimations *s = store();
     if (!s)
         return;
-    forceStop();
-    if (s->isModified()
-        && !QAskUser::question(dialogParent(), tr("Confirmation"),
-                               tr("Do you really want to discard the changes made in the animations?")))
+    if (!stopAndConfirmDiscard())
         return;
     const QString folder = m_config ? m_config->map.value(QStringLiteral("proj_path")).toString() : QString();
     const QString path = QAskUser::openFileName(dialogParent(), tr("Open animations"), folder,
