@@ -150,6 +150,26 @@ void TestSffSave::savesLeaveTheStoreAsItWas()
     QCOMPARE(s.count(), loaded.size());
     for (int i = 0; i < s.count(); ++i)
         QVERIFY2(s.image(i) == loaded[i], qPrintable(QString("sprite %1 after undo").arg(i)));
+
+    // A 2.01 file of the engine's, saved unchanged as 2.01, keeps its RLE8
+    // sprites as stored: the store is untouched and the sprites read back alike.
+    if (TestSupport::sampleDir().isEmpty())
+        return;
+    QSprites stage;
+    QVERIFY(stage.fromFile(TestSupport::samplePath("stages/kfm.sff"), false, false));
+    const QString resaved = dir.filePath("stage.sff");
+    stage.setFileName(resaved);
+    expected = SpriteStoreSnapshot::of(stage);
+    QVERIFY(stage.toFile(resaved, false, QSffVersion::V201, true, false));
+    const QString diff = SpriteStoreSnapshot::of(stage).differenceFrom(expected);
+    QVERIFY2(diff.isEmpty(), qPrintable(diff));
+    QSprites back;
+    QVERIFY(back.fromFile(resaved, false, false));
+    QCOMPARE(back.count(), stage.count());
+    for (int i = 0; i < back.count(); ++i) {
+        QVERIFY2(back.item(i)->filter == stage.item(i)->filter, qPrintable(QString("filter of sprite %1").arg(i)));
+        QVERIFY2(back.image(i) == stage.image(i), qPrintable(QString("sprite %1 read back").arg(i)));
+    }
 }
 
 // The engine takes version 1.01 files with a damaged sprite (here a header
