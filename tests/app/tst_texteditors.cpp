@@ -277,6 +277,12 @@ private slots:
         if (!shots.isEmpty()) {
             app.view()->gotoLine(266, 0);
             app.view()->setTextCursor(QTextCursor(cns->document()->findBlockByNumber(272)));
+            tree->collapseAll();
+            tree->scrollTo(tree->currentIndex());
+            QComboBox *box = app.workspace()->issueBox();
+            for (int i = 0; i < box->count(); ++i)
+                if (box->itemData(i).toPoint().x() == 272)
+                    box->setCurrentIndex(i);
             QTest::qWait(300);
             QVERIFY(app.root->window()->grab().save(shots + QStringLiteral("/states-outline.png")));
         }

@@ -256,11 +256,18 @@ void QTextDocumentEditor::setupPanel()
     QWidget *page = m_registry.editorPanel(tag());
     if (!page || m_outline)
         return;
-    auto *layout = new QVBoxLayout(page);
-    layout->setContentsMargins(2, 2, 2, 2);
+    // The preset places its buttons on the page by position; the outline
+    // takes the room below them (see fitOutline()).
+    auto *pageLayout = new QVBoxLayout(page);
+    pageLayout->setContentsMargins(2, 2, 2, 2);
+    m_outlinePane = new QWidget(page);
+    m_outlinePane->setObjectName(QStringLiteral("outlinePane"));
+    pageLayout->addWidget(m_outlinePane);
+    auto *layout = new QVBoxLayout(m_outlinePane);
+    layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(2);
     addOutlineControls(layout);
-    m_outline = new QTreeView(page);
+    m_outline = new QTreeView(m_outlinePane);
     m_outline->setObjectName(QStringLiteral("outline"));
     m_outline->setHeaderHidden(true);
     m_outline->setUniformRowHeights(true);
@@ -271,10 +278,25 @@ void QTextDocumentEditor::setupPanel()
     connect(m_outline, &QTreeView::activated, this, &QTextDocumentEditor::viewSelItem);
 }
 
+void QTextDocumentEditor::fitOutline()
+{
+    QWidget *page = m_outlinePane ? m_outlinePane->parentWidget() : nullptr;
+    if (!page || !page->layout())
+        return;
+    int top = 2;
+    for (QObject *child : page->children()) {
+        auto *w = qobject_cast<QWidget *>(child);
+        if (w && w != m_outlinePane && !w->isHidden() && !w->isWindow())
+            top = qMax(top, w->geometry().bottom() + 6);
+    }
+    page->layout()->setContentsMargins(2, top, 2, 2);
+}
+
 void QTextDocumentEditor::showOutline(QSyntaxTextEditor *doc)
 {
     if (!m_outline)
         return;
+    fitOutline();
     QSyntaxHierarchy *model = doc ? doc->hierarchy() : nullptr;
     if (model)
         model->setView(uint(m_outlineView));

@@ -105,10 +105,13 @@ protected:
 private:
     void detachDocument();
     void showOutline(QSyntaxTextEditor *doc);
+    // Keeps the outline below the buttons the preset puts on the panel.
+    void fitOutline();
     void rememberExpanded();
 
     QPointer<QSyntaxTextEditor> m_shown;
     QList<QMetaObject::Connection> m_connections;
+    QWidget *m_outlinePane = nullptr;
     QTreeView *m_outline = nullptr;
     int m_outlineView = 2;
     // Titles of the expanded outline rows ("parent/child"), put back after each rebuild.
