@@ -176,7 +176,8 @@ void QMugenSyntaxHierarchy::addUse(bool isFloat, int index, int line,
         return;
     seen.set(bit);
     Node *row = m_varRoot.children.at(isFloat ? 1 : 0)->children.at(index);
-    newNode(row, line, keyOf(VarUse), m_state.state->title);
+    // The statedef goes along for the tool tip: state titles often repeat.
+    newNode(row, line, keyOf(VarUse), m_state.state->title)->value = m_state.state->parent->title;
 }
 
 // Puts the variables the finished [State] section sets under their rows,
@@ -404,6 +405,8 @@ QVariant QMugenSyntaxHierarchy::data(const QModelIndex &index, int role) const
     }
     if (role == Qt::DisplayRole || role == Qt::EditRole)
         return node->title;
+    if (role == Qt::ToolTipRole && node->key == keyOf(VarUse))
+        return tr("%1, line %2").arg(node->value.isEmpty() ? node->title : node->value).arg(node->line + 1);
     return QVariant();
 }
 

@@ -39,11 +39,9 @@ void QSyntaxTextEditor::setFileWatcher(QFileWatcherManager *watcher)
     m_watcher = watcher;
 }
 
-void QSyntaxTextEditor::reload(const QString &fileName)
+bool QSyntaxTextEditor::reload(const QString &fileName)
 {
-    if (fileName.isEmpty() || fileName != m_fileName)
-        return;
-    loadFile(fileName, m_codepage, true);
+    return !fileName.isEmpty() && fileName == m_fileName && loadFile(fileName, m_codepage, true);
 }
 
 bool QSyntaxTextEditor::differsFromFile() const

@@ -91,7 +91,7 @@ public:
     // to: from the next load or save on, and until clear().
     void setFileWatcher(QFileWatcherManager *watcher);
     // Reads the file again with the code page of the last load.
-    void reload(const QString &fileName) override;
+    bool reload(const QString &fileName) override;
     bool differsFromFile() const override;
 
 signals:

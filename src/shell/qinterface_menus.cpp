@@ -373,10 +373,15 @@ void QInterface::watchedFileChanged(const QString &path, const QList<QFileWatchO
         QMessageBox::Yes | QMessageBox::No, QMessageBox::No);
     if (answer != QMessageBox::Yes)
         return;
+    bool failed = false;
     for (const QPointer<QFileWatchObject> &doc : std::as_const(documents))
-        if (doc)
-            doc->reload(path);
+        if (doc && !doc->reload(path))
+            failed = true;
     refreshCurrentEditor();
+    if (failed)
+        QAskUser::warning(m_window, tr("File modified"),
+                          tr("The file '%1' could not be read again; the text open here stays as it was.")
+                              .arg(QDir::toNativeSeparators(path)));
 }
 
 void QInterface::addJumpHandler(const QString &context, JumpHandler handler)

@@ -30,7 +30,7 @@ class WatchedDoc : public QFileWatchObject
 public:
     QString path;
     QString fileName() const override { return path; }
-    void reload(const QString &) override {}
+    bool reload(const QString &) override { return true; }
 };
 
 } // namespace
