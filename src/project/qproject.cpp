@@ -60,6 +60,7 @@ QProject::QProject(const QProjectSettings &settings, QObject *parent)
         doc->setSyntax(QSyntaxTextEditor::Mugen);
         doc->setAutoSyntax(false);
         doc->setEngineVersion(DefaultVersion);
+        doc->setFileWatcher(settings.fileWatcher);
     }
     m_animations.setMessages(&m_messages);
     m_sprites.setUndoCache(settings.undoCache);
@@ -91,6 +92,7 @@ QSyntaxTextEditor *QProject::addState()
     doc->setMugenSyntax(m_settings.mugenSyntax, m_settings.syntaxFormats);
     doc->setSyntax(QSyntaxTextEditor::Mugen);
     doc->setEngineVersion(m_version);
+    doc->setFileWatcher(m_settings.fileWatcher);
     m_states.append(doc);
     return doc;
 }
@@ -755,6 +757,7 @@ bool QProject::fromFile(const QString &fileName, uint codepage, bool backup, boo
                     doc = new QSyntaxTextEditor(true);
                     doc->setMugenSyntax(m_settings.mugenSyntax, m_settings.syntaxFormats);
                     doc->setEngineVersion(m_version);
+                    doc->setFileWatcher(m_settings.fileWatcher);
                 }
                 if (doc->loadFile(path, int(codepage), temporary, reused)) {
                     if (!reused)

@@ -6,6 +6,9 @@
 #include "approot.h"
 #include "testsupport.h"
 
+#include "animations/ui/qanimationseditor.h"
+#include "base/qmugenmodel.h"
+#include "code/qmugensyntaxhierarchy.h"
 #include "code/qsyntaxtexteditor.h"
 #include "code/ui/qstateseditor.h"
 #include "code/ui/qtexteditor.h"
@@ -13,6 +16,7 @@
 #include "project/qproject.h"
 #include "shell/qaction2.h"
 #include "shell/qactionmanager.h"
+#include "shell/errordlg.h"
 #include "shell/qaskuser.h"
 #include "shell/qeditorregistry.h"
 #include "shell/qwindowlayout.h"
@@ -21,9 +25,12 @@
 #include <QDialog>
 #include <QDirIterator>
 #include <QLabel>
+#include <QListView>
 #include <QSpinBox>
 #include <QTabBar>
 #include <QTemporaryDir>
+#include <QToolButton>
+#include <QTreeView>
 
 using namespace TestSupport;
 
@@ -220,6 +227,106 @@ private slots:
             QTest::qWait(300);
             QVERIFY(app.root->window()->grab().save(shots + QStringLiteral("/states-kfm.png")));
         }
+    }
+
+    // The outline beside the states: clicks jump, the selection follows the
+    // cursor, the variable view lists who sets what. Issue lines jump into
+    // the text and animation editors; a new engine version checks the states
+    // again; a file changed by another program is read again when agreed.
+    void outlineJumpsAndOutsideChanges()
+    {
+        BF_REQUIRE_SAMPLE();
+        Answers answers;
+        const QString folder = copyFolder(samplePath(QStringLiteral("chars/kfm")), m_dir.filePath(QStringLiteral("kfm3")));
+        App app = start(m_dir.filePath(QStringLiteral("cfg3")), folder + QStringLiteral("/kfm.def"));
+        QProject *project = app.project();
+        app.registry().editorSwitch(4);
+        auto *states = static_cast<QStatesEditor *>(app.registry().editor(4));
+        QSyntaxTextEditor *cns = project->state(0);
+        auto *h = qobject_cast<QMugenSyntaxHierarchy *>(cns->hierarchy());
+        QTreeView *tree = states->outline();
+        QVERIFY(tree->isVisible());
+        QCOMPARE(tree->model(), h);
+
+        QModelIndex statedef;
+        for (int r = 0; r < h->rowCount() && !statedef.isValid(); ++r)
+            if (h->index(r, 0).data().toString() == QLatin1String("Statedef 200"))
+                statedef = h->index(r, 0);
+        tree->scrollTo(statedef);
+        QTest::mouseClick(tree->viewport(), Qt::LeftButton, {}, tree->visualRect(statedef).center());
+        QCOMPARE(app.line(), 255);
+        app.view()->setTextCursor(QTextCursor(cns->document()->findBlockByNumber(272)));
+        QCOMPARE(tree->currentIndex().data().toString(), QStringLiteral("State 200, 1"));
+        QCOMPARE(tree->currentIndex().parent(), statedef);
+
+        tree->parentWidget()->findChild<QToolButton *>(QStringLiteral("outlineVariables"))->click();
+        QCOMPARE(h->rowCount(), 2);
+        const QModelIndex setter = h->index(0, 0, h->index(2, 0, h->index(0, 0)));
+        QCOMPARE(setter.data().toString(), QStringLiteral("State 810, Holding fwd?"));
+        tree->scrollTo(setter);
+        QTest::mouseClick(tree->viewport(), Qt::LeftButton, {}, tree->visualRect(setter).center());
+        QCOMPARE(app.line(), 930);
+        tree->parentWidget()->findChild<QToolButton *>(QStringLiteral("outlineSections"))->click();
+        QCOMPARE(h->view(), int(QMugenSyntaxHierarchy::SectionsView));
+
+        // A trigger of engine 1.1 in a character for 1.0 is an issue, until the DEF says 1.1.
+        const int issues = app.workspace()->issueBox()->count();
+        QTextCursor(cns->document()->findBlockByNumber(272)).insertText(QStringLiteral("trigger2 = topedge\n"));
+        QTRY_COMPARE(app.workspace()->issueBox()->count(), issues + 1);
+        const QString shots = qEnvironmentVariable("BF_SCREENSHOT_DIR");
+        if (!shots.isEmpty()) {
+            app.view()->gotoLine(266, 0);
+            app.view()->setTextCursor(QTextCursor(cns->document()->findBlockByNumber(272)));
+            tree->collapseAll();
+            tree->scrollTo(tree->currentIndex());
+            QComboBox *box = app.workspace()->issueBox();
+            for (int i = 0; i < box->count(); ++i)
+                if (box->itemData(i).toPoint().x() == 272)
+                    box->setCurrentIndex(i);
+            QTest::qWait(300);
+            QVERIFY(app.root->window()->grab().save(shots + QStringLiteral("/states-outline.png")));
+        }
+        QTextDocument *def = project->definitions()->document();
+        QTextCursor version = def->find(QStringLiteral("mugenversion = 1.0"));
+        version.insertText(QStringLiteral("mugenversion = 1.1"));
+        QTRY_COMPARE(project->version(), 0x01010000u);
+        QTRY_COMPARE(app.workspace()->issueBox()->count(), issues);
+
+        // Issue lines of the states and the animations land on their line.
+        QMessages *messages = project->messages();
+        messages->addWarning(QStringLiteral("kfm.cns(931): one"));
+        messages->addWarning(QStringLiteral("kfm.air(25): two"));
+        auto *list = app.root->controller()->issuesDialog()->findChild<QListView *>();
+        app.registry().editorSwitch(0);
+        for (int back : {2, 1}) {
+            const QModelIndex row = list->model()->index(list->model()->rowCount() - back, 0);
+            emit list->doubleClicked(row);
+        }
+        QCOMPARE(app.registry().currentEditorId(), 2);
+        QCOMPARE(static_cast<QAnimationsEditor *>(app.registry().editor(2))->currentAction(), 1);
+        app.registry().editorSwitch(4);
+        QCOMPARE(app.line(), 930);
+
+        // Another program writes the commands: asked first, then read again, unmodified.
+        app.root->controller()->objects().config->set(QStringLiteral("enable_file_watcher"), true);
+        QSyntaxTextEditor *cmd = project->commands();
+        QTextCursor(cmd->document()).insertText(QStringLiteral("; mine\n"));
+        answers.texts.clear();
+        const QString cmdFile = folder + QStringLiteral("/kfm.cmd");
+        QVERIFY(writeAll(cmdFile, readAll(cmdFile) + "; outside\r\n"));
+        QTRY_COMPARE(answers.texts.size(), 1);
+        QVERIFY(answers.texts.at(0).startsWith(QStringLiteral("The file '")));
+        QVERIFY(!cmd->isModified());
+        QVERIFY(cmd->text().endsWith(QStringLiteral("; outside\n")) && !cmd->text().startsWith(QStringLiteral("; mine")));
+        // The program's own save asks nothing, and the file stays watched.
+        QTextCursor(cmd->document()).insertText(QStringLiteral("; mine\n"));
+        app.registry().editorSwitch(3);
+        app.registry().editor(3)->save();
+        QTest::qWait(500);
+        QCOMPARE(answers.texts.size(), 1);
+        QVERIFY(writeAll(cmdFile, readAll(cmdFile) + "; again\r\n"));
+        QTRY_COMPARE(answers.texts.size(), 2);
+        QVERIFY(cmd->text().startsWith(QStringLiteral("; mine\n")) && cmd->text().endsWith(QStringLiteral("; again\n")));
     }
 
     // Every text document of the sample characters, shown in its editor and
