@@ -317,7 +317,10 @@ private slots:
         QVERIFY(dir.mkpath(QStringLiteral(".")));
         QVERIFY(QFile::copy(TestSupport::samplePath("chars/kfm/kfm.sff"), dir.filePath(QStringLiteral("kfm.sff"))));
         QVERIFY(TestSupport::writeAll(dir.filePath(QStringLiteral("kfm.def")),
-                                      "[Info]\nname = \"K\"\n[Files]\nsprite = kfm.sff\npal1 = one.act\npal2 = two.act\npal4 = gone.act\n"));
+                                      "[Info]\nname = \"K\"\n[Files]\nsprite = kfm.sff\npal1 = one.act\npal2 = two.act\npal4 = gone.act\n"
+                                      "pal5 = blocked/five.act\n"));
+        // A file where pal5's folder should be: that palette can't be written.
+        QVERIFY(TestSupport::writeAll(dir.filePath(QStringLiteral("blocked")), "x"));
         const QString one = dir.filePath(QStringLiteral("one.act")), two = dir.filePath(QStringLiteral("two.act"));
         QVERIFY(QPaletteFile::saveAct(one, ramp(1)) && QPaletteFile::saveAct(two, ramp(2)));
         const QByteArray oneBytes = TestSupport::readAll(one), twoBytes = TestSupport::readAll(two);
@@ -347,6 +350,8 @@ private slots:
         QCOMPARE(TestSupport::readAll(two), QPaletteFile::actBytes(edited));
         QCOMPARE(TestSupport::readAll(two).mid(3 * (255 - 7), 3), QByteArray("\x01\x02\x03", 3));
         QCOMPARE(TestSupport::readAll(one), oneBytes);
+        QVERIFY(m_ask->messages().last().contains(QStringLiteral("five.act")));
+        QCOMPARE(TestSupport::readAll(dir.filePath(QStringLiteral("blocked"))), QByteArray("x"));
         // The missing file is made from the sprite file's own palette 1,4.
         QCOMPARE(TestSupport::readAll(dir.filePath(QStringLiteral("gone.act"))), QPaletteFile::actBytes(*s->paletteColors(s->findPalette(0, 1, 4))));
         QCOMPARE(s->undoStack()->index(), undoIndex);
