@@ -338,8 +338,19 @@ void QSpritesEditor::setPalettes(QPalettesEditor *palettes)
 int QSpritesEditor::shownPalette() const
 {
     // The palettes panel, when open on this project, decides.
-    if (m_palettes && m_palettes->isActive() && m_palettes->project() == m_project && m_palettes->position() >= 0)
-        return m_palettes->position();
+    if (m_palettes && m_palettes->isActive() && m_palettes->project() == m_project && m_palettes->position() >= 0) {
+        const int shown = m_palettes->position();
+        // A character palette (group 1) is what the player picks: as in the
+        // engine it recolours the sprites drawn in palette 1,1, and only those.
+        const QSprites *s = sprites();
+        const QSpriteItem *item = s ? s->item(m_pos) : nullptr;
+        if (item && s->paletteInfo(shown).group == 1) {
+            const QPaletteInfo own = s->paletteInfo(item->info.palette);
+            if (own.group != 1 || own.number != 1)
+                return -1;
+        }
+        return shown;
+    }
     // Off: the sprites show in the character's own palette (1,1) where there is one.
     const QSprites *s = sprites();
     if (!s || flag("switch_to_imgpal", true))
