@@ -260,7 +260,7 @@ void PalEditor::buildLayout()
                          tr("Red to Green"), tr("Red to Blue"), tr("Lighter"), tr("Darker"), tr("Monochrome"),
                          tr("Fire"), tr("Sapphire"), tr("Stone")});
     grid->addWidget(new QLabel(tr("Effect:"), tools), 0, 0);
-    grid->addWidget(m_effects, 0, 1, 1, 3);
+    grid->addWidget(m_effects, 0, 1);
     grid->addWidget(buttonFor(action(QStringLiteral("advpal_effect_apply")), tools), 0, 5);
     auto sliders = [&](int row, const QString &label, QSlider **out, std::initializer_list<std::pair<const char *, int>> ranges,
                        void (PalEditor::*changed)(int), const char *reset, const char *apply) {

@@ -14,6 +14,8 @@
 #include "shell/qwindowlayout.h"
 #include "sprites/qsprites.h"
 
+#include <QMainWindow>
+
 #include <memory>
 
 void registerSpriteEditors(QEditorRegistry &registry, const QAppObjects &objects)
