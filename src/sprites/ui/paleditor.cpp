@@ -544,9 +544,14 @@ void PalEditor::recomputeLive()
     QRGBPalette *w = worker();
     w->setColorsQuiet(m_liveBase);
     const quint8 *sel = selectionOrAll();
-    w->adjustHsl(sel, m_hsl[0]->value(), m_hsl[1]->value(), m_hsl[2]->value());
-    w->adjustRgb(sel, m_rgb[0]->value(), m_rgb[1]->value(), m_rgb[2]->value());
+    // Sliders at zero are skipped: a round trip through HSL may move a colour by a step.
+    if (m_hsl[0]->value() || m_hsl[1]->value() || m_hsl[2]->value())
+        w->adjustHsl(sel, m_hsl[0]->value(), m_hsl[1]->value(), m_hsl[2]->value());
+    if (m_rgb[0]->value() || m_rgb[1]->value() || m_rgb[2]->value())
+        w->adjustRgb(sel, m_rgb[0]->value(), m_rgb[1]->value(), m_rgb[2]->value());
     --m_quiet;
+    view()->update();
+    refreshImage();
 }
 
 void PalEditor::zeroSliders()
