@@ -16,6 +16,7 @@
 #include "sprites/ui/qpaletteseditor.h"
 #include "sprites/ui/qpalettewidget.h"
 
+#include <QFileInfo>
 #include <QRadioButton>
 #include <QScrollBar>
 #include <QTemporaryDir>
@@ -26,6 +27,7 @@ class TestAdvPalEditor : public QObject
     Q_OBJECT
 
     QTemporaryDir m_home;
+    QTemporaryDir m_files;
     std::unique_ptr<QAppRoot> m_root;
     std::unique_ptr<TestSupport::AskRecorder> m_ask;
 
@@ -105,6 +107,15 @@ private slots:
             for (int i = 1; i < 256; ++i)
                 check(editor->imageColors()[i].r == editor->imageColors()[i].g, "grey entries");
             editor->action(QStringLiteral("advpal_commit_spr_changes"))->trigger();
+
+            // Files: the palette and the picture written, then read back as
+            // image files for a palette of their own and to take this one.
+            const QString act = m_files.filePath(QStringLiteral("grey.act")), png = m_files.filePath(QStringLiteral("grey.png"));
+            m_ask->files = {act, png, png, png};
+            for (const char *key : {"advpal_save", "advpal_save_img", "advpal_gen_pal_imgs", "advpal_insert_pal_imgs",
+                                    "advpal_adapt_image", "advpal_optimize", "advpal_auto_sort", "advpal_invert_all"})
+                editor->action(QString::fromLatin1(key))->trigger();
+            check(QFileInfo(act).size() == 768 && !QImage(png).isNull() && m_ask->titles.isEmpty(), "files");
             return int(QDialog::Accepted);
         };
         registry().actionManager().action(QStringLiteral("pal_advanced"))->trigger();
