@@ -335,6 +335,11 @@ void PalEditor::commChanges()
     if (!s)
         return;
     settleSliders();
+    if (m_palette >= 0 && m_palette < s->paletteCount() && s->paletteColors(m_palette)
+        && *s->paletteColors(m_palette) == m_colors[0]) {
+        status(tr("The store already has this palette"));
+        return;
+    }
     // One step on the store's undo stack, whatever the store does inside.
     s->undoStack()->beginMacro(tr("Commit changes"));
     if (m_palette >= 0 && m_palette < s->paletteCount())
