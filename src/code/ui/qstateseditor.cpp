@@ -31,6 +31,8 @@ void QStatesEditor::activate(bool reload)
         fillTabs();
         tabs->show();
     }
+    if (m_workspace)
+        m_workspace->setSCtrlPanelAllowed(true);
     QTextDocumentEditor::activate(reload);
 }
 
@@ -40,6 +42,7 @@ void QStatesEditor::deactivate()
         QTabBar *tabs = m_workspace->tabBar();
         disconnect(tabs, &QTabBar::currentChanged, this, &QStatesEditor::tabChanged);
         tabs->hide();
+        m_workspace->setSCtrlPanelAllowed(false);
     }
     QTextDocumentEditor::deactivate();
 }
