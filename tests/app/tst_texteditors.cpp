@@ -8,6 +8,7 @@
 
 #include "code/qsyntaxtexteditor.h"
 #include "code/ui/qstateseditor.h"
+#include "code/ui/sctrledit.h"
 #include "code/ui/qtexteditor.h"
 #include "code/ui/qtextworkspace.h"
 #include "project/qproject.h"
@@ -24,6 +25,7 @@
 #include <QLineEdit>
 #include <QListView>
 #include <QPlainTextEdit>
+#include <QPushButton>
 #include <QSpinBox>
 #include <QTabBar>
 #include <QTemporaryDir>
@@ -281,6 +283,25 @@ private slots:
         app.trigger("edit_undo");
         QCOMPARE(doc->toPlainText(), original);
 
+        // A new controller, saved into the user's folder, joins the list; deleting asks and removes it.
+        QAskUser::setDialogHandler([](QDialog *dialog) {
+            static_cast<SCtrlEdit *>(dialog)->editor()->setPlainText(QStringLiteral("[State 0, Mine]\ntype = Null\n"));
+            dialog->findChild<QPushButton *>(QStringLiteral("pushButton"))->click();
+            return dialog->result();
+        });
+        QAskUser::setFileHandler([](QAskUser::FileMode, const QString &, const QString &start, const QString &) {
+            return QFileInfo(start).absolutePath() + QStringLiteral("/Mine");
+        });
+        app.trigger("st_sctrl_new");
+        QAskUser::setFileHandler({});
+        QCOMPARE(ws->sctrlList()->currentIndex().data().toString(), QStringLiteral("Mine"));
+        QVERIFY(ws->textBar()->toPlainText().startsWith(QStringLiteral("[State 0, Mine]\ntype = Null")));
+        answers.texts.clear();
+        app.trigger("st_sctrl_delete");
+        QCOMPARE(answers.texts, QStringList(QStringLiteral("Do you really want to delete the state controller?")));
+        QVERIFY(!ws->sctrlList()->model()->match(ws->sctrlList()->model()->index(0, 0), Qt::DisplayRole,
+                                                 QStringLiteral("Mine")).size());
+
         // A snippet whose fields the dialog asks for.
         QAskUser::setDialogHandler([](QDialog *dialog) {
             dialog->findChild<QLineEdit *>(QStringLiteral("COMMAND"))->setText(QStringLiteral("QCF_x"));
@@ -313,6 +334,15 @@ private slots:
             app.view()->gotoLine(120, 0);
             QTest::qWait(300);
             QVERIFY(app.root->window()->grab().save(shots + QStringLiteral("/states-library.png")));
+            // The field dialog of a snippet and the controller editor, looked at and cancelled.
+            QAskUser::setDialogHandler([&shots](QDialog *d) {
+                d->show();
+                QTest::qWait(100);
+                d->grab().save(shots + QLatin1Char('/') + d->objectName() + QStringLiteral(".png"));
+                return int(QDialog::Rejected);
+            });
+            ws->snipActivated(int(ws->snippetBox()->findText(QStringLiteral("Attack state"))));
+            app.trigger("st_sctrl_edit");
         }
     }
 

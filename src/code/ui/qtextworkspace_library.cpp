@@ -202,6 +202,7 @@ bool QTextWorkspace::editSCtrl(const QString &name)
     const QString file = name.isEmpty() ? QString() : m_sctrls->filePath(name);
     SCtrlEdit dialog(m_mugenSyntax, m_formats, m_editor->window());
     dialog.setCodeFont(m_editor->font());
+    dialog.setWindowTitle(name.isEmpty() ? tr("New state controller") : tr("State controller %1").arg(name));
     const int codepage = m_config ? m_config->number(QStringLiteral("default_codepage"), 0) : 0;
     if (file.isEmpty())
         dialog.setText(QStringLiteral("[State ]\ntype ="));
