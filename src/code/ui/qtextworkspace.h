@@ -4,15 +4,16 @@
 #include "code/ui/qtexteditor.h"
 #include "shell/qinterfaceworkspace.h"
 
+#include <QListView>
+#include <QPlainTextEdit>
 #include <QPointer>
-#include <functional>
 #include <QTimer>
+
+#include <functional>
 
 class QAction;
 class QComboBox;
-class QListView;
 class QMugenModel;
-class QPlainTextEdit;
 class QSCtrlManager;
 class QSnippetManager;
 class QSplitter;
