@@ -11,6 +11,7 @@
 #include "code/qmugensyntaxhierarchy.h"
 #include "code/qsyntaxtexteditor.h"
 #include "code/ui/qstateseditor.h"
+#include "code/ui/sctrledit.h"
 #include "code/ui/qtexteditor.h"
 #include "code/ui/qtextworkspace.h"
 #include "project/qproject.h"
@@ -103,6 +104,94 @@ class TestTextEditors : public QObject
 
 private slots:
     void initTestCase() { QVERIFY(m_dir.isValid()); }
+
+    // The states editor's library and the snippets: each lands at the cursor
+    // as one undo step, a snippet's CURSOR mark placing the caret.
+    void snippetsAndLibrary()
+    {
+        BF_REQUIRE_SAMPLE();
+        Answers answers;
+        const QString folder = copyFolder(samplePath(QStringLiteral("chars/kfm")), m_dir.filePath(QStringLiteral("lib")));
+        App app = start(m_dir.filePath(QStringLiteral("cfg3")), folder + QStringLiteral("/kfm.def"));
+        app.registry().editorSwitch(4);
+        QTextWorkspace *ws = app.workspace();
+        QVERIFY(ws->sctrlList()->isVisible());
+        QTextDocument *doc = app.view()->document();
+        const QString original = doc->toPlainText();
+
+        const QModelIndexList found = ws->sctrlList()->model()->match(ws->sctrlList()->model()->index(0, 0),
+                                                                      Qt::DisplayRole, QStringLiteral("VarSet"));
+        QCOMPARE(found.size(), 1);
+        ws->sctrlList()->setCurrentIndex(found.first());
+        QVERIFY(ws->textBar()->toPlainText().startsWith(QStringLiteral("[State 0, VarSet]\ntype = VarSet\n")));
+        app.view()->setTextCursor(QTextCursor(doc->findBlockByNumber(3)));
+        ws->insertSCtrl(found.first());
+        QCOMPARE(doc->findBlockByNumber(3).text(), QStringLiteral("[State 0, VarSet]"));
+        app.trigger("edit_undo");
+        QCOMPARE(doc->toPlainText(), original);
+
+        // A new controller, saved into the user's folder, joins the list; deleting asks and removes it.
+        QAskUser::setDialogHandler([](QDialog *dialog) {
+            static_cast<SCtrlEdit *>(dialog)->editor()->setPlainText(QStringLiteral("[State 0, Mine]\ntype = Null\n"));
+            QMetaObject::invokeMethod(dialog->findChild<QObject *>(QStringLiteral("pushButton")), "click");
+            return dialog->result();
+        });
+        QAskUser::setFileHandler([](QAskUser::FileMode, const QString &, const QString &start, const QString &) {
+            return QFileInfo(start).absolutePath() + QStringLiteral("/Mine");
+        });
+        app.trigger("st_sctrl_new");
+        QAskUser::setFileHandler({});
+        QCOMPARE(ws->sctrlList()->currentIndex().data().toString(), QStringLiteral("Mine"));
+        QVERIFY(ws->textBar()->toPlainText().startsWith(QStringLiteral("[State 0, Mine]\ntype = Null")));
+        answers.texts.clear();
+        app.trigger("st_sctrl_delete");
+        QCOMPARE(answers.texts, QStringList(QStringLiteral("Do you really want to delete the state controller?")));
+        QVERIFY(!ws->sctrlList()->model()->match(ws->sctrlList()->model()->index(0, 0), Qt::DisplayRole,
+                                                 QStringLiteral("Mine")).size());
+
+        // A snippet whose fields the dialog asks for.
+        QAskUser::setDialogHandler([](QDialog *dialog) {
+            dialog->findChild<QObject *>(QStringLiteral("COMMAND"))->setProperty("text", QStringLiteral("QCF_x"));
+            dialog->findChild<QSpinBox *>(QStringLiteral("STATENO"))->setValue(1000);
+            return int(QDialog::Accepted);
+        });
+        app.view()->setTextCursor(QTextCursor(doc->findBlockByNumber(3)));
+        ws->snipActivated(int(ws->snippetBox()->findText(QStringLiteral("Command entry"))));
+        QCOMPARE(doc->findBlockByNumber(3).text(), QStringLiteral("[State -1, QCF_x]"));
+        QCOMPARE(doc->findBlockByNumber(4).text(), QStringLiteral("type = ChangeState"));
+        QCOMPARE(doc->findBlockByNumber(5).text(), QStringLiteral("value = 1000"));
+        QCOMPARE(doc->findBlockByNumber(6).text(), QStringLiteral("triggerall = command = \"QCF_x\""));
+        const QTextCursor caret = app.view()->textCursor();
+        QCOMPARE(caret.blockNumber(), 9);
+        QCOMPARE(caret.positionInBlock(), 0);
+        QCOMPARE(doc->findBlockByNumber(8).text(), QStringLiteral("trigger1 = ctrl"));
+        app.trigger("edit_undo");
+        QCOMPARE(doc->toPlainText(), original);
+
+        // The library belongs to the states alone.
+        app.registry().editorSwitch(3);
+        QVERIFY(!ws->sctrlList()->isVisible());
+        QVERIFY(ws->snippetBox()->isVisible());
+
+        const QString shots = qEnvironmentVariable("BF_SCREENSHOT_DIR");
+        if (!shots.isEmpty()) {
+            app.registry().editorSwitch(4);
+            ws->sctrlList()->setCurrentIndex(found.first());
+            ws->snippetBox()->setCurrentIndex(ws->snippetBox()->findText(QStringLiteral("Attack state")));
+            app.view()->gotoLine(120, 0);
+            QTest::qWait(300);
+            QVERIFY(app.root->window()->grab().save(shots + QStringLiteral("/states-library.png")));
+            // The field dialog of a snippet and the controller editor, looked at and cancelled.
+            QAskUser::setDialogHandler([&shots](QDialog *d) {
+                d->show();
+                QTest::qWait(100);
+                d->grab().save(shots + QLatin1Char('/') + d->objectName() + QStringLiteral(".png"));
+                return int(QDialog::Rejected);
+            });
+            ws->snipActivated(int(ws->snippetBox()->findText(QStringLiteral("Attack state"))));
+            app.trigger("st_sctrl_edit");
+        }
+    }
 
     // kfm in the three editors: the status fields, the state tabs, issues
     // walked without wrapping, go to line, comments, edits undone and saved.

@@ -35,6 +35,8 @@ void QStatesEditor::activate(bool reload)
         fillTabs();
         tabs->show();
     }
+    if (m_workspace)
+        m_workspace->setSCtrlPanelAllowed(true);
     QTextDocumentEditor::activate(reload);
 }
 
@@ -44,6 +46,7 @@ void QStatesEditor::deactivate()
         QTabBar *tabs = m_workspace->tabBar();
         disconnect(tabs, &QTabBar::currentChanged, this, &QStatesEditor::tabChanged);
         tabs->hide();
+        m_workspace->setSCtrlPanelAllowed(false);
     }
     QTextDocumentEditor::deactivate();
 }
