@@ -31,7 +31,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     project.addState()->setText(QStringLiteral("[Statedef 0]\ntype = S\n"));
     project.sprites()->add();
 
-    QScriptManager scripts(QString());
+    QScriptManager scripts{QString()};
     scripts.setSandboxed(true);
     scripts.setInstructionLimit(300000);
     scripts.setMemoryLimit(16 * 1024 * 1024);
