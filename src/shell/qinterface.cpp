@@ -209,9 +209,24 @@ void QInterface::toolActivated()
     if (!a || !m_objects.scripts)
         return;
     QScriptManager *sm = m_objects.scripts;
-    if (!sm->runTool(a->data().toString()))
+    // What the tool prints is its report, shown once it has run.
+    QStringList output;
+    const QMetaObject::Connection printing =
+        connect(sm, &QScriptManager::printOutput, this, [&output](const QString &text) { output << text; });
+    const bool ok = sm->runTool(a->data().toString());
+    disconnect(printing);
+    if (!ok)
         QAskUser::critical(m_window, tr("Tool script error"), sm->errorMessage());
     sm->close();
+    const int shown = 40;
+    if (output.size() > shown) {
+        const qsizetype more = output.size() - shown;
+        output.erase(output.begin() + shown, output.end());
+        output << tr("(%n more lines)", nullptr, int(more));
+    }
+    if (!output.isEmpty())
+        QAskUser::message(m_window, QMessageBox::Information, a->text(), output.join(QLatin1Char('\n')),
+                          QMessageBox::Ok, QMessageBox::Ok);
     if (QInterfaceEditor *e = m_registry->editor(m_registry->currentEditorId()))
         e->activate(true);
 }

@@ -302,7 +302,8 @@ const Class &wizardPageClass()
 QWizardPage *pageArg(lua_State *L, int index)
 {
     auto *page = as<QWizardPage>(toObject(L, index, wizardPageClass()));
-    if (page->wizard())
+    // A wizard adopts its pages.
+    if (page->parent())
         fail(QStringLiteral("this page belongs to a wizard already"));
     return page;
 }
