@@ -7,6 +7,7 @@
 
 #include <QGuiApplication>
 #include <QMenu>
+#include <QMenuBar>
 #include <QScreen>
 #include <QSpinBox>
 #include <QTemporaryDir>
@@ -75,7 +76,8 @@ void TestScriptTools::toolsMenuRunsScripts()
     root->window()->show();
     QVERIFY(QTest::qWaitForWindowExposed(root->window()));
     QMenu *bar = tools;
-    bar->popup(root->window()->mapToGlobal(QPoint(120, 40)));
+    QMenuBar *menuBar = root->window()->menuBar();
+    bar->popup(menuBar->mapToGlobal(menuBar->actionGeometry(tools->menuAction()).bottomLeft()));
     QTest::qWait(200);
     bar->setActiveAction(spritesMenu);
     spritesMenu->menu()->popup(bar->mapToGlobal(QPoint(bar->width(), bar->actionGeometry(spritesMenu).top())));
