@@ -13,6 +13,7 @@
 #include "docs/ui/docseditors.h"
 #include "scripting/qscriptmanager.h"
 #include "scripting/qsnippetmanager.h"
+#include "scripting/ui/qscriptdialogs.h"
 #include "shell/mainwindow.h"
 #include "shell/qcolorsetmanager.h"
 #include "shell/qeditorregistry.h"
@@ -72,6 +73,9 @@ QAppRoot::QAppRoot(const QAppPaths &paths)
     QObject::connect(m_objects.languages, &QLanguageManager::langChanged, m_window, &MainWindow::retranslate);
     m_objects.sctrls = new QSCtrlManager(m_paths.dataFolders(QStringLiteral("sctrls")));
     m_objects.scripts = new QScriptManager(m_paths.dataPath(QStringLiteral("scripts")));
+    // Scripts run inside the window get the dialog classes.
+    QObject::connect(m_objects.scripts, &QScriptManager::registerBinding, m_objects.scripts,
+                     [scripts = m_objects.scripts] { ScriptDialogs::registerClasses(scripts->state()); });
     m_objects.snippets = new QSnippetManager(m_paths.dataFolders(QStringLiteral("snippets")));
     m_objects.fileWatcher = new QFileWatcherManager;
     m_controller = new QInterface(m_window, m_window->actionDock(), m_window->actionList(), m_objects);

@@ -7,6 +7,7 @@
 #include "console.h"
 #include "infocommand.h"
 #include "projectcommand.h"
+#include "scriptcommand.h"
 #include "soundscommand.h"
 #include "spritescommand.h"
 #include "usage.h"
@@ -37,6 +38,8 @@ static ExitCode dispatch(const QStringList &words)
         return CheckCommand::run(rest);
     if (command == QLatin1String("sounds"))
         return SoundsCommand::run(rest);
+    if (command == QLatin1String("script"))
+        return ScriptCommand::run(rest);
     if (command == QLatin1String("help"))
         return startCommand({QStringLiteral("--help")}, Usage::Topic::Tool, {}, {}).finished.value();
 

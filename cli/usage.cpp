@@ -30,6 +30,7 @@ QString commandName(Topic topic)
     case Topic::SoundsPack: return QStringLiteral("brawlforge-cli sounds pack");
         break;
     case Topic::SpritesCheck: return QStringLiteral("brawlforge-cli sprites check");
+    case Topic::Script: return QStringLiteral("brawlforge-cli script");
     }
     return QString();
 }
@@ -79,6 +80,8 @@ QString text(Topic topic)
             "  sounds export FILE.snd OUTDIR             one WAV per sound and a SndMaker DEF\n"
             "  sounds pack IN.def|INDIR OUT.snd          a sound file from a definition or\n"
             "                                            a folder of GROUP-NUMBER.wav\n"
+            "  script FILE.lua [--project FILE.def]... [-- ARGS]\n"
+            "                                            runs a tool script on projects\n"
             "\n"
             "Options:\n"
             "  -h, --help     this text; after a command, the help of that command\n"
@@ -349,6 +352,21 @@ QString text(Topic topic)
             "byte for byte. WAV files that can't be read are reported and left out.\n"
             "OUT.snd is replaced only once it is completely written; packing the same\n"
             "input twice gives the same file.\n");
+        break;
+    case Topic::Script:
+        body = QStringLiteral(
+            "Usage: brawlforge-cli script FILE.lua [--project FILE.def]... [-- ARGS]\n"
+            "\n"
+            "Opens each project the way Brawlforge does, runs the Lua script and then its\n"
+            "function main, if it has one, as the Tools menu would. project() is the first\n"
+            "project given, project(i) the one at index i (from 0). The words after \"--\"\n"
+            "are the script's global table arg. What the script prints goes to standard\n"
+            "output, one line per print; a Lua error to standard error.\n"
+            "Nothing is saved unless the script saves (toFile). Dialogs are not\n"
+            "available: a script that makes one stops with an error.\n"
+            "\n"
+            "Options:\n"
+            "  --project FILE.def   a project for the script; may be given again\n");
         break;
     }
     return body + QLatin1String(exitCodes);

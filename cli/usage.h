@@ -7,7 +7,8 @@ namespace Usage {
 
 enum class Topic { Tool, Info, Sprites, SpritesExport, SpritesConvert, SpritesRender, Project, ProjectInfo, Animations,
                    AnimationsInfo, AnimationsConvert, AnimationsGif, AnimationsRender,
-                   Check, Sounds, SoundsInfo, SoundsExport, SoundsPack, SpritesCheck };
+                   Check, Sounds, SoundsInfo, SoundsExport, SoundsPack, SpritesCheck,
+                   Script };
 
 QString text(Topic topic);
 QString versionLine();

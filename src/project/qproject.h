@@ -54,6 +54,14 @@ public:
     ~QProject() override;
 
     QProjectType type() const { return m_type; }
+    // Scripts may set the kind; the DEF's sections set it again when it changes.
+    void setType(QProjectType type)
+    {
+        if (type == m_type)
+            return;
+        m_type = type;
+        emit typeChanged(this);
+    }
     quint32 version() const { return m_version; }
     int localWidth() const { return m_localWidth; }
     int localHeight() const { return m_localHeight; }

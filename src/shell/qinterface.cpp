@@ -5,6 +5,7 @@
 #include "project/qproject.h"
 #include "project/qprojectsettings.h"
 #include "qaction2.h"
+#include "qaskuser.h"
 #include "qeditorregistry.h"
 #include "qinterfacecontrolaction.h"
 #include "qinterfaceeditor.h"
@@ -33,6 +34,14 @@ QInterface::QInterface(QMainWindow *window, QDockWidget *actionDock, QListView *
     m_registry = new QEditorRegistry(*m_layout, m_actions, this);
     buildActions();
     buildControllerUi();
+    // Scripts see the open projects, and a long run may be stopped.
+    if (QScriptManager *scripts = m_objects.scripts) {
+        scripts->setProjectSource([this] { return m_projects; }, [this] { return m_currentProject; });
+        connect(scripts, &QScriptManager::runningLong, this, [this](bool *stop) {
+            *stop = QAskUser::question(m_window, tr("Script"),
+                                       tr("The script has been running for a while. Stop it?"));
+        });
+    }
     QLifecycleLog::record(QStringLiteral("+QInterface"));
 }
 
@@ -41,6 +50,8 @@ QInterface::~QInterface()
     // Editors go before the state is written: some of them keep settings of
     // their own in the configuration as they die. First they let go of the
     // current project.
+    if (m_objects.scripts)
+        m_objects.scripts->setProjectSource({}, {});
     m_registry->clear();
     releaseProjects();
     QLifecycleLog::record(QStringLiteral("-QInterface:editors"));
@@ -172,21 +183,21 @@ void QInterface::rebuildToolMenu()
         if (!kept.contains(m->menuAction()))
             delete m;
     }
+    // Each folder of the tool scripts is a submenu, at any depth.
     QMap<QString, QMenu *> groups;
     const QMap<QString, QString> scripts = m_objects.scripts->scripts(QStringLiteral("tool"));
     for (auto it = scripts.constBegin(); it != scripts.constEnd(); ++it) {
         const QString name = it.key();
+        const QStringList parts = name.split(QLatin1Char('/'));
         QMenu *target = tools;
-        QString text = name;
-        const int slash = name.indexOf(QLatin1Char('/'));
-        if (slash > 0) {
-            const QString group = name.left(slash);
-            if (!groups.contains(group))
-                groups.insert(group, tools->addMenu(group));
-            target = groups.value(group);
-            text = name.mid(slash + 1);
+        QString path;
+        for (int i = 0; i + 1 < parts.size(); ++i) {
+            path += parts.at(i) + QLatin1Char('/');
+            if (!groups.contains(path))
+                groups.insert(path, target->addMenu(parts.at(i)));
+            target = groups.value(path);
         }
-        QAction *a = target->addAction(text);
+        QAction *a = target->addAction(parts.last());
         a->setData(name);
         connect(a, &QAction::triggered, this, &QInterface::toolActivated);
     }
@@ -198,9 +209,24 @@ void QInterface::toolActivated()
     if (!a || !m_objects.scripts)
         return;
     QScriptManager *sm = m_objects.scripts;
-    if (!sm->runTool(a->data().toString()))
-        QMessageBox::critical(m_window, tr("Tool script error"), sm->errorMessage());
+    // What the tool prints is its report, shown once it has run.
+    QStringList output;
+    const QMetaObject::Connection printing =
+        connect(sm, &QScriptManager::printOutput, this, [&output](const QString &text) { output << text; });
+    const bool ok = sm->runTool(a->data().toString());
+    disconnect(printing);
+    if (!ok)
+        QAskUser::critical(m_window, tr("Tool script error"), sm->errorMessage());
     sm->close();
+    const int shown = 40;
+    if (output.size() > shown) {
+        const qsizetype more = output.size() - shown;
+        output.erase(output.begin() + shown, output.end());
+        output << tr("(%n more lines)", nullptr, int(more));
+    }
+    if (!output.isEmpty())
+        QAskUser::message(m_window, QMessageBox::Information, a->text(), output.join(QLatin1Char('\n')),
+                          QMessageBox::Ok, QMessageBox::Ok);
     if (QInterfaceEditor *e = m_registry->editor(m_registry->currentEditorId()))
         e->activate(true);
 }

@@ -33,7 +33,7 @@ void QInterface::newProject(bool withTemplate)
         bool kept = false;
         if (QScriptManager *scripts = m_objects.scripts) {
             if (!scripts->runTemplate(chosen, project, &kept))
-                QAskUser::critical(m_window, tr("Script error"), scripts->errorMessage());
+                QAskUser::critical(m_window, tr("Template script error"), scripts->errorMessage());
             scripts->close();
         }
         if (!kept) {

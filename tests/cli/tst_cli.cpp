@@ -5,6 +5,7 @@
 
 #include "base/qmessages.h"
 #include "sounds/qsounds.h"
+#include "sprites/qspriteitem.h"
 #include "sprites/qsprites.h"
 #include "wavsupport.h"
 
@@ -182,6 +183,7 @@ private slots:
     void animationsGifAndRender();
     void checkSampleAndFaults();
     void soundsOverSample();
+    void scriptTools();
 };
 
 void TestCli::initTestCase()
@@ -1046,6 +1048,48 @@ void TestCli::soundsOverSample()
     EXPECT_EXIT(runTool({QStringLiteral("sounds"), QStringLiteral("pack"), dir.filePath(QStringLiteral("nothing")),
                          dir.filePath(QStringLiteral("n.snd"))}), 2);
     EXPECT_EXIT(runTool({QStringLiteral("sounds"), QStringLiteral("info"), TestSupport::samplePath("chars/kfm/kfm.sff")}), 2);
+}
+
+
+// The shipped tool scripts on the sample character, as the Tools menu would
+// run them; nothing of the project is written unless the script writes.
+void TestCli::scriptTools()
+{
+    BF_REQUIRE_SAMPLE();
+    const QString def = TestSupport::samplePath(QStringLiteral("chars/kfm/kfm.def"));
+    const QByteArray cmd = readAll(TestSupport::samplePath(QStringLiteral("chars/kfm/kfm.cmd")));
+    const QString tools = QCoreApplication::applicationDirPath() + QStringLiteral("/scripts/tool/");
+    auto script = [&](const QString &tool, const QStringList &args = {}) {
+        Run r = runTool(QStringList{"script", tools + tool + ".lua", "--project", def} + args);
+        [&] { QVERIFY2(!r.crashed, r.err.constData()); }();
+        return r;
+    };
+    Run r = script("Sprites/List unused sprites");
+    QCOMPARE(r.code, 0);
+    QVERIFY(r.out.startsWith("Unused sprite ") && r.out.endsWith("\n39 of 281 sprites are unused\n"));
+    QCOMPARE(script("Animations/Actions with missing sprites").out,
+             QByteArray("0 frames in 0 actions show a missing sprite\n"));
+    QCOMPARE(script("Code/Insert header comment").out, QByteArray("Header added to kfm.cmd\n"));
+    QCOMPARE(readAll(TestSupport::samplePath(QStringLiteral("chars/kfm/kfm.cmd"))), cmd);
+
+    QTemporaryDir dir;
+    const QString out = dir.filePath("renumbered.sff");
+    r = script("Sprites/Renumber a group", {"--", "5000", "7000", out});
+    QCOMPARE(r.out, QByteArray("5 sprites moved from group 5000 to group 7000\nWritten to " + out.toUtf8() + "\n"));
+    QSprites sprites;
+    QVERIFY(sprites.fromFile(out, true, false));
+    QList<int> groups;
+    for (int i = 0; i < sprites.count(); ++i)
+        groups << sprites.item(i)->info.group;
+    QCOMPARE(groups.count(7000), 5);
+    QCOMPARE(groups.count(5000), 0);
+
+    // Without its numbers the tool would ask in a dialog, which a script run refuses.
+    r = script("Sprites/Renumber a group");
+    QCOMPARE(r.code, 2);
+    QVERIFY(r.err.contains("dialogs are not available"));
+    r = runTool({"script", dir.filePath("none.lua")});
+    QCOMPARE(r.code, 2);
 }
 
 QTEST_GUILESS_MAIN(TestCli)

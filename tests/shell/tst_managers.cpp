@@ -174,7 +174,7 @@ private slots:
         lua_getglobal(scripts.state(), "main");
         QCOMPARE(lua_pcall(scripts.state(), 0, 0, 0), 0);
         QCOMPARE(printed.count(), 1);
-        QCOMPARE(printed.first().first().toString(), QStringLiteral("hi\t2"));
+        QCOMPARE(printed.first().first().toString(), QStringLiteral("hi, 2"));
         QVERIFY(scripts.load("project/Uses.lua"));
         lua_getglobal(scripts.state(), "result");
         QCOMPARE(int(lua_tointeger(scripts.state(), -1)), 42);

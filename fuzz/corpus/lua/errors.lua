@@ -1,0 +1,7 @@
+local ok, e = pcall(function() project():states(99) end)
+print(ok, e)
+ok, e = pcall(function() return project().definitions.insertText(1) end)
+print(ok, e)
+ok, e = pcall(Dialog)
+print(ok, e, pcall(os.exit))
+print(pcall(string.rep, "", 1e12), #string.rep("ab", 10))
