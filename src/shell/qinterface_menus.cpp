@@ -16,6 +16,7 @@
 #include "shell/errordlg.h"
 #include "shell/qaskuser.h"
 #include "shell/qhistorymanager.h"
+#include "shell/qquickfind.h"
 
 #include <QApplication>
 #include <QCoreApplication>
@@ -45,6 +46,7 @@ void QInterface::buildControllerUi()
 
     buildProjectMenu();
     buildViewMenu();
+    buildFind();
     buildToolsAndHelpMenus();
 
     // A carrier only fires for actions a widget has taken in.
@@ -229,8 +231,11 @@ void QInterface::updateProjectStatus()
 
 void QInterface::editFindToggled(bool show)
 {
-    if (QWidget *quickFind = m_dialogs.value(QStringLiteral("quick_find")))
-        quickFind->setVisible(show);
+    if (!m_quickFind)
+        return;
+    m_quickFind->setVisible(show);
+    if (show)
+        m_quickFind->focusFind();
 }
 
 void QInterface::viewLeftPanel(bool show)
