@@ -27,6 +27,8 @@ QQuickFind::QQuickFind(QWidget *parent)
     m_replace->setObjectName(QStringLiteral("replaceButton"));
     m_replaceAll->setObjectName(QStringLiteral("replaceAllButton"));
     m_text->setClearButtonEnabled(true);
+    m_text->setMinimumWidth(120);
+    m_with->setMinimumWidth(120);
     m_with->setClearButtonEnabled(true);
     m_findLabel->setBuddy(m_text);
     m_withLabel->setBuddy(m_with);
@@ -49,7 +51,7 @@ QQuickFind::QQuickFind(QWidget *parent)
     for (int i = 0; i < 4; ++i) {
         auto *b = new QToolButton(this);
         b->setToolButtonStyle(Qt::ToolButtonTextOnly);
-        b->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+        b->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
         grid->addWidget(b, i / 2, 4 + i % 2);
         m_switches << b;
     }

@@ -299,6 +299,7 @@ private slots:
         const QString shots = qEnvironmentVariable("BF_SCREENSHOT_DIR");
         if (!shots.isEmpty()) {
             dialog->hide();
+            app.trigger("edit_undo");
             set("quick_search_regexp", false);
             bar->findField()->setText(QStringLiteral("ChangeState"));
             bar->replaceField()->setText(QStringLiteral("SelfState"));
