@@ -16,28 +16,15 @@ bool regexOn(const QQuickFindOptions &options)
 }
 
 // The first match at or after `from`, or the last one that starts at or before
-// it; an invalid match when there is none.
+// it; no match when there is none.
 QRegularExpressionMatch search(const QString &text, const QRegularExpression &re, qsizetype from, bool backward)
 {
-    QRegularExpressionMatch match;
     if (!re.isValid() || from < 0 || from > text.size())
         return {};
-    if (!backward) {
-        match = re.match(text, from);
-        return match;
-    }
-    // Forward steps from the start find every place a match can begin,
-    // overlapping ones included, in time proportional to the text.
-    QRegularExpressionMatch last;
-    qsizetype pos = 0;
-    while (pos <= from) {
-        match = re.match(text, pos);
-        if (!match.hasMatch() || match.capturedStart() > from)
-            break;
-        last = match;
-        pos = match.capturedStart() + 1;
-    }
-    return last;
+    if (!backward)
+        return re.match(text, from);
+    QRegularExpressionMatch match;
+    return text.lastIndexOf(re, from, &match) >= 0 ? match : QRegularExpressionMatch();
 }
 
 void select(QTextEditor *edit, qsizetype start, qsizetype end)
@@ -58,9 +45,8 @@ bool findOnce(QTextEditor *edit, const QRegularExpression &re, bool backward)
     const QTextCursor c = edit->textCursor();
     qsizetype from = backward ? c.selectionStart() - 1 : c.selectionEnd();
     QRegularExpressionMatch m = search(text, re, from, backward);
-    // An empty match where the last one ended would hold the cursor in place.
-    if (!backward && m.hasMatch() && m.capturedLength() == 0 && m.capturedStart() == from && !c.hasSelection()
-        && c.position() == from)
+    // An empty match right at a bare cursor would hold it in place.
+    if (!backward && !c.hasSelection() && m.hasMatch() && m.capturedLength() == 0 && m.capturedStart() == from)
         m = search(text, re, from + 1, false);
     if (!m.hasMatch())
         return false;
@@ -152,12 +138,10 @@ int replaceAll(QTextEditor *edit, const QString &pattern, const QString &with, c
     const QString text = edit->document()->toPlainText();
     QTextCursor c(edit->document());
     qsizetype shift = 0;
-    qsizetype pos = 0;
     int count = 0;
-    while (pos <= text.size()) {
-        const QRegularExpressionMatch m = re.match(text, pos);
-        if (!m.hasMatch())
-            break;
+    QRegularExpressionMatchIterator it = re.globalMatch(text);
+    while (it.hasNext()) {
+        const QRegularExpressionMatch m = it.next();
         if (count == 0)
             c.beginEditBlock();
         const QString replacement = expand(with, m, regex);
@@ -166,8 +150,6 @@ int replaceAll(QTextEditor *edit, const QString &pattern, const QString &with, c
         c.insertText(replacement);
         shift += replacement.size() - m.capturedLength();
         ++count;
-        // After an empty match the next search starts one character on.
-        pos = m.capturedEnd() + (m.capturedLength() == 0 ? 1 : 0);
     }
     if (count) {
         c.endEditBlock();
