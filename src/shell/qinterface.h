@@ -185,6 +185,7 @@ private:
     QAction *m_viewQuickFind = nullptr;
     QQuickFind *m_quickFind = nullptr;     // child of the window
     FindDlgMlt *m_findDialog = nullptr;   // child of the window
+    QPointer<QWidget> m_findReturn;       // where the focus goes when the bar closes
     QAction *m_viewLeft = nullptr;
     QAction *m_viewRight = nullptr;
     QAction *m_viewActions = nullptr;

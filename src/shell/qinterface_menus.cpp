@@ -24,7 +24,9 @@
 #include <QLabel>
 #include <QListView>
 #include <QMainWindow>
+#include <QLineEdit>
 #include <QMenu>
+#include <QPlainTextEdit>
 #include <QStatusBar>
 #include <QTabBar>
 
@@ -233,9 +235,22 @@ void QInterface::editFindToggled(bool show)
 {
     if (!m_quickFind)
         return;
+    // The bar starts from the text selected where the user was, if it is one
+    // line, and gives the focus back there when it closes.
+    QWidget *focus = QApplication::focusWidget();
+    if (show && focus && !m_quickFind->isAncestorOf(focus)) {
+        m_findReturn = focus;
+        QString selected;
+        if (auto *text = qobject_cast<QPlainTextEdit *>(focus))
+            selected = text->textCursor().selectedText();
+        if (!selected.isEmpty() && !selected.contains(QChar::ParagraphSeparator))
+            m_quickFind->findField()->setText(selected);
+    }
     m_quickFind->setVisible(show);
     if (show)
         m_quickFind->focusFind();
+    else if (m_findReturn && m_quickFind->isAncestorOf(focus))
+        m_findReturn->setFocus();
 }
 
 void QInterface::viewLeftPanel(bool show)
