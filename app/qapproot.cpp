@@ -86,7 +86,7 @@ void QAppRoot::registerEditors()
     // Each subsystem brings its workspaces, editors and extra editors; the
     // registry orders them by their numbers, whatever the order here.
     QEditorRegistry &registry = m_controller->registry();
-    registerCodeEditors(registry, m_objects);
+    registerCodeEditors(registry, m_objects, [controller = m_controller] { return controller->projects(); });
     // A double click on "file(N): ..." in the issues opens the text on line N.
     m_controller->addJumpHandler(QStringLiteral("text"), [controller = m_controller](const QString &file, uint line) {
         return showTextLine(controller->registry(), controller->currentProject(), file, line);
@@ -96,6 +96,10 @@ void QAppRoot::registerEditors()
     registerAnimationEditors(
         registry, m_objects, [](QWidget *parent) { return new QTextEditor(parent); },
         [controller = m_controller] { return controller->projects(); });
+    // "file.air(N): ..." in the issues shows the action written at line N.
+    m_controller->addJumpHandler(QStringLiteral("animations"), [controller = m_controller](const QString &file, uint line) {
+        return showAnimationLine(controller->registry(), controller->currentProject(), file, line);
+    });
     // The sounds page shows the shared stage locked and empty.
     QSoundsEditor *sounds = registerSoundEditors(registry, m_objects);
     sounds->setProjectList([controller = m_controller] { return controller->projects(); });

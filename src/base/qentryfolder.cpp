@@ -18,6 +18,12 @@ void QEntryFolder::setExcluded(const QStringList &names)
     refresh();
 }
 
+void QEntryFolder::setFolders(const QStringList &folders)
+{
+    m_folders = folders;
+    refresh();
+}
+
 void QEntryFolder::refresh()
 {
     QMap<QString, QString> found; // sorted by name; the first folder wins

@@ -41,6 +41,9 @@ public:
     // The first folder (usually the user's own).
     QString folder() const { return m_folders.value(0); }
 
+    // Other folders, listed at once (the user's own made on a first save).
+    void setFolders(const QStringList &folders);
+
     // Lists the folders again.
     void refresh();
 

@@ -11,4 +11,8 @@ class QSCtrlManager : public QEntryFolder
 public:
     explicit QSCtrlManager(const QStringList &folders, QObject *parent = nullptr);
     ~QSCtrlManager() override;
+
+    // The text of a controller, read through the encoding detection with
+    // `codepage` as the fallback, lines ended by "\n"; empty when unreadable.
+    QString text(const QString &name, int codepage) const;
 };

@@ -11,6 +11,9 @@ class QSyntaxHierarchy : public QAbstractItemModel
     Q_OBJECT
 
 public:
+    // The 0-based line a node stands for, -1 for rows that name no place.
+    static constexpr int LineRole = Qt::UserRole + 1;
+
     using QAbstractItemModel::QAbstractItemModel;
 
     virtual void update(const QString &text) = 0;

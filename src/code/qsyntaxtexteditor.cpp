@@ -3,6 +3,7 @@
 #include "code/qmugensyntaxhierarchy.h"
 #include "code/qmugensyntaxprocessor.h"
 #include "code/qtextencoding.h"
+#include "base/qfilewatchermanager.h"
 
 #include <QFile>
 #include <QRegularExpression>
@@ -11,7 +12,7 @@
 #include <QTextDocument>
 
 QSyntaxTextEditor::QSyntaxTextEditor(bool hierarchyEnabled, QObject *parent)
-    : QObject(parent)
+    : QFileWatchObject(parent)
     , m_document(new QTextDocument(this))
     , m_hierarchyEnabled(hierarchyEnabled)
 {
@@ -25,6 +26,30 @@ QSyntaxTextEditor::QSyntaxTextEditor(bool hierarchyEnabled, QObject *parent)
 QSyntaxTextEditor::~QSyntaxTextEditor()
 {
     m_updateTimer.stop();
+    if (m_watcher)
+        m_watcher->unwatch(this);
+}
+
+void QSyntaxTextEditor::setFileWatcher(QFileWatcherManager *watcher)
+{
+    if (m_watcher == watcher)
+        return;
+    if (m_watcher)
+        m_watcher->unwatch(this);
+    m_watcher = watcher;
+}
+
+bool QSyntaxTextEditor::reload(const QString &fileName)
+{
+    return !fileName.isEmpty() && fileName == m_fileName && loadFile(fileName, m_codepage, true);
+}
+
+bool QSyntaxTextEditor::differsFromFile() const
+{
+    QFile file(m_fileName);
+    if (m_fileName.isEmpty() || !file.open(QIODevice::ReadOnly))
+        return false;
+    return file.size() != m_fileBytes.size() || file.readAll() != m_fileBytes;
 }
 
 void QSyntaxTextEditor::setEncoding(const QByteArray &encoding)
@@ -131,8 +156,6 @@ QString QSyntaxTextEditor::findValue(const QString &section, const QString &key)
 
 bool QSyntaxTextEditor::loadFile(const QString &path, int defaultIndex, bool keepWatch, bool keepName)
 {
-    // The file watcher registers through its own owner; nothing to do here yet.
-    Q_UNUSED(keepWatch);
     QFile file(path);
     if (!file.exists()) {
         m_errorString = tr("File not found");
@@ -162,8 +185,12 @@ bool QSyntaxTextEditor::loadFile(const QString &path, int defaultIndex, bool kee
     m_fileBytes = bytes;
     m_fileText = text;
     m_fileEncoding = codec ? codec->name() : QByteArray("UTF-8");
+    m_codepage = defaultIndex;
     setEncoding(codec ? codec->name() : QByteArray("UTF-8"));
     m_errorString.clear();
+    // A reload, or a backup read in under the document's own name, keeps the watch it has.
+    if (m_watcher && !keepWatch)
+        m_watcher->watch(this);
     updateHierarchy();
     return true;
 }
@@ -201,6 +228,8 @@ bool QSyntaxTextEditor::saveFile(const QString &path, bool asUtf8, bool asCopy)
         m_fileBytes = bytes;
         m_fileText = plain;
         m_fileEncoding = encoding;
+        if (m_watcher)
+            m_watcher->watch(this);
     }
     m_errorString.clear();
     return true;
@@ -208,6 +237,8 @@ bool QSyntaxTextEditor::saveFile(const QString &path, bool asUtf8, bool asCopy)
 
 void QSyntaxTextEditor::clear()
 {
+    if (m_watcher)
+        m_watcher->unwatch(this);
     m_document->clear();
     m_document->setModified(false);
     setEncoding("UTF-8");

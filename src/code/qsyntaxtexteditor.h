@@ -1,10 +1,14 @@
 #pragma once
 
+#include "base/qfilewatchobject.h"
+
 #include <QByteArray>
 #include <QObject>
+#include <QPointer>
 #include <QString>
 #include <QTimer>
 
+class QFileWatcherManager;
 class QTextDocument;
 class QSyntaxHierarchy;
 class QSyntaxProcessor;
@@ -14,7 +18,7 @@ class SyntaxFormats;
 // A text document of a project (DEF, CMD, CNS, ST): the text with its file
 // name, the encoding found when it was read (kept for the save), its language
 // and the outline that is rebuilt one second after the last edit.
-class QSyntaxTextEditor : public QObject
+class QSyntaxTextEditor : public QFileWatchObject
 {
     Q_OBJECT
 
@@ -26,7 +30,7 @@ public:
 
     QTextDocument *document() const { return m_document; }
 
-    QString fileName() const { return m_fileName; }
+    QString fileName() const override { return m_fileName; }
     void setFileName(const QString &fileName) { m_fileName = fileName; }
     QByteArray encoding() const { return m_encoding; }
     void setEncoding(const QByteArray &encoding);
@@ -83,6 +87,13 @@ public:
 
     void clear();
 
+    // The watcher told of outside changes to the file the document is bound
+    // to: from the next load or save on, and until clear().
+    void setFileWatcher(QFileWatcherManager *watcher);
+    // Reads the file again with the code page of the last load.
+    bool reload(const QString &fileName) override;
+    bool differsFromFile() const override;
+
 signals:
     void hierarchyUpdated();
     void encodingChanged(const QByteArray &encoding);
@@ -106,6 +117,8 @@ private:
     int m_language = -1;
     quint32 m_engineVersion = 0x01010000;
     QString m_errorString;
+    QPointer<QFileWatcherManager> m_watcher;
+    int m_codepage = 0;
     int m_firstBadLine = -1;
     int m_firstLossyLine = -1;
     // What the file held when it was read or last saved, to write an

@@ -60,6 +60,7 @@ QProject::QProject(const QProjectSettings &settings, QObject *parent)
         doc->setSyntax(QSyntaxTextEditor::Mugen);
         doc->setAutoSyntax(false);
         doc->setEngineVersion(DefaultVersion);
+        doc->setFileWatcher(settings.fileWatcher);
     }
     m_animations.setMessages(&m_messages);
     m_sprites.setUndoCache(settings.undoCache);
@@ -91,6 +92,7 @@ QSyntaxTextEditor *QProject::addState()
     doc->setMugenSyntax(m_settings.mugenSyntax, m_settings.syntaxFormats);
     doc->setSyntax(QSyntaxTextEditor::Mugen);
     doc->setEngineVersion(m_version);
+    doc->setFileWatcher(m_settings.fileWatcher);
     m_states.append(doc);
     return doc;
 }
@@ -205,15 +207,23 @@ QString QProject::resolveFile(const QString &folder, const QString &name)
 
 bool QProject::keepsPalettesInDefFiles() const
 {
-    return m_type == QProjectType::Character && m_sprites.version() == QSffVersion::V101;
+    // A version 2 sprite file holds palettes of its own, but the files the DEF
+    // names win over them in the engine: those are saved back too.
+    return m_type == QProjectType::Character
+        && (m_sprites.version() == QSffVersion::V101 || !scanDef(m_definitions.fileName()).palettes.isEmpty());
 }
 
 QString QProject::writePaletteFile(int index, const QString &file)
 {
     const QRGBPal *colors = m_sprites.paletteColors(index);
+    if (!colors)
+        return QString();
+    // A file that holds these colours already is left as it is.
+    if (QFile old(file); old.open(QIODevice::ReadOnly) && old.read(769) == QPaletteFile::actBytes(*colors))
+        return QString();
     QString error;
     QDir().mkpath(QFileInfo(file).absolutePath());
-    if (!colors || QPaletteFile::saveAct(file, *colors, &error))
+    if (QPaletteFile::saveAct(file, *colors, &error))
         return QString();
     return QStringLiteral("%1: %2").arg(QDir::toNativeSeparators(file), error);
 }
@@ -223,7 +233,7 @@ QStringList QProject::writeDefPalettes()
     QStringList failures;
     const QProjectDefFiles files = scanDef(m_definitions.fileName());
     for (int i = 0; i < files.palettes.size(); ++i) {
-        const int index = m_sprites.findPalette(0, 1, i + 1);
+        const int index = m_sprites.findPalette(0, 1, files.paletteNumbers.value(i, i + 1));
         if (index < 0)
             continue;
         const QString failure = writePaletteFile(index, resolveFile(files.folder, files.palettes.at(i)));
@@ -311,7 +321,10 @@ QProjectDefFiles QProject::scanDef(const QString &fileName) const
                             files.command = value;
                             note(value);
                         } else if (key.startsWith(QLatin1String("pal"))) {
+                            bool numbered = false;
+                            const int n = key.mid(3).toInt(&numbered);
                             files.palettes.append(value);
+                            files.paletteNumbers.append(numbered && n > 0 && n <= 32767 ? n : int(files.palettes.size()));
                             note(value);
                         } else if (key == QLatin1String("cns") || key.startsWith(QLatin1String("st"))) {
                             if (!files.states.contains(value)) {
@@ -678,14 +691,26 @@ bool QProject::fromFile(const QString &fileName, uint codepage, bool backup, boo
     if (temporary && (m_sprites.count() > 0 || m_sprites.paletteCount() > 0)) {
         m_sprites.clearContent();
     }
+    // The character's palette files: palN is palette 1,N. A file that is
+    // missing is worth a warning, not a refusal: the sprite file's own
+    // palettes stay in use.
+    QList<std::pair<int, QRGBPal>> characterPalettes;
     if (isCharacter()) {
-        int number = 0;
         m_paletteNumbers.clear();
-        for (const QString &name : files.palettes) {
-            const QString path = existing(name);
-            if (!path.isEmpty()) {
-                m_paletteNumbers.insert(name, ++number);
-                loadPalette(path, number);
+        for (int i = 0; i < files.palettes.size(); ++i) {
+            const QString &name = files.palettes.at(i);
+            const int number = files.paletteNumbers.value(i, i + 1);
+            const QString path = name.isEmpty() ? QString() : resolveFile(files.folder, name);
+            if (!name.isEmpty() && !QFileInfo(path).isFile()) {
+                m_messages.addWarning(tr("%1: Palette file not found: %2 (palette 1,%3 keeps the colours of the sprite file)")
+                                          .arg(place(m_definitions.fileName(), files.lines.value(name)), name)
+                                          .arg(number));
+            } else if (!name.isEmpty()) {
+                copyToBackup(path, name);
+                m_paletteNumbers.insert(name, number);
+                QRGBPal colors;
+                if (loadPalette(path, number, &colors))
+                    characterPalettes.append({number, colors});
             }
             if (!step(++done, total))
                 return finish();
@@ -695,6 +720,16 @@ bool QProject::fromFile(const QString &fileName, uint codepage, bool backup, boo
     const QString spr = existing(files.sprite);
     if (!spr.isEmpty())
         loadSprites(spr, temporary, done, total);
+    // A version 2 sprite file holds its palettes itself; the engine still
+    // takes the DEF's files over them, and so does the store.
+    if (m_sprites.version() != QSffVersion::V101) {
+        for (auto [number, colors] : std::as_const(characterPalettes)) {
+            // A palette file knows no alpha: colour 0 stays as the sprite file had it.
+            if (const QRGBPal *own = m_sprites.paletteColors(m_sprites.findPalette(0, 1, number)))
+                colors[0].a = own->colors[0].a;
+            m_sprites.setLoadedPalette(colors, 1, number);
+        }
+    }
     if (!step(++done, total))
         return finish();
 
@@ -755,6 +790,7 @@ bool QProject::fromFile(const QString &fileName, uint codepage, bool backup, boo
                     doc = new QSyntaxTextEditor(true);
                     doc->setMugenSyntax(m_settings.mugenSyntax, m_settings.syntaxFormats);
                     doc->setEngineVersion(m_version);
+                    doc->setFileWatcher(m_settings.fileWatcher);
                 }
                 if (doc->loadFile(path, int(codepage), temporary, reused)) {
                     if (!reused)
@@ -1112,16 +1148,16 @@ bool QProject::writeProject(const QString &folder, const QString &defName, CopyK
 // ---------------------------------------------------------------- sprite slot
 // Every call into the sprite store and the palette files is made here.
 
-void QProject::loadPalette(const QString &path, int number)
+bool QProject::loadPalette(const QString &path, int number, QRGBPal *colors)
 {
-    QRGBPal colors;
     QString error;
-    if (!QPaletteFile::load(path, &colors, &error)) {
+    if (!QPaletteFile::load(path, colors, &error)) {
         fail(path, tr("Not a palette: %1").arg(error));
-        return;
+        return false;
     }
     // Part of reading the project, not an edit: no undo, no unsaved mark.
-    m_sprites.addLoadedPalette(colors, 1, number);
+    m_sprites.addLoadedPalette(*colors, 1, number);
+    return true;
 }
 
 bool QProject::loadSprites(const QString &path, bool temporary, uint position, uint total)

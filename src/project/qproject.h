@@ -26,6 +26,9 @@ enum class QProjectFile : int { Definitions = 0, Sprites = 1, Animations = 2, Co
 struct QProjectDefFiles
 {
     QStringList palettes;
+    // The palette each of `palettes` stands for: pal<N> is palette 1,N, as the
+    // player picks it; another pal key takes its place in the list.
+    QList<int> paletteNumbers;
     QStringList states;
     QString folder; // absolute folder of the DEF
     QString sprite;
@@ -176,7 +179,7 @@ private:
     bool loadSounds(const QString &path, bool temporary);
 
     // The sprite slot, in one place.
-    void loadPalette(const QString &path, int number);
+    bool loadPalette(const QString &path, int number, QRGBPal *colors);
     bool loadSprites(const QString &path, bool temporary, uint position, uint total);
     bool spritesEmpty() const;
     bool spritesModified() const;

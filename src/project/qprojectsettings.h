@@ -7,6 +7,7 @@
 
 #include <functional>
 
+class QFileWatcherManager;
 class QMugenSyntaxProperties;
 class QSpriteCache;
 class QSpriteRecordPool;
@@ -37,6 +38,8 @@ struct QProjectSettings
     // painted with; without them the documents are checked by no one.
     QMugenSyntaxProperties *mugenSyntax = nullptr;
     const SyntaxFormats *syntaxFormats = nullptr;
+    // Tells when another program changes a text file the project has open.
+    QFileWatcherManager *fileWatcher = nullptr;
 
     static QStringList pathKeys()
     {

@@ -14,6 +14,7 @@ class FindDlgMlt;
 class QQuickFind;
 class QDockWidget;
 class QEngineRun;
+class QFileWatchObject;
 class QEditorRegistry;
 class QHistoryManager;
 class QListView;
@@ -66,6 +67,8 @@ public:
     // A jump handler answers true when it took the place of an issue line.
     using JumpHandler = std::function<bool(const QString &file, uint line)>;
     void addJumpHandler(const QString &context, JumpHandler handler);
+    // Another program changed a file open here: asks before reading it again.
+    void watchedFileChanged(const QString &path, const QList<QFileWatchObject *> &objects);
 
     // The run in an engine under way, or null.
     QEngineRun *engineRun() const { return m_engineRun; }

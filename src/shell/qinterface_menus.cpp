@@ -7,6 +7,8 @@
 #include "shell/qaction2.h"
 #include "base/qapppaths.h"
 #include "base/qbugreport.h"
+#include "base/qfilewatchermanager.h"
+#include "base/qfilewatchobject.h"
 #include "base/qlog.h"
 #include "base/qmugenmodel.h"
 #include "project/qproject.h"
@@ -20,6 +22,7 @@
 
 #include <QApplication>
 #include <QCoreApplication>
+#include <QDir>
 #include <QDockWidget>
 #include <QLabel>
 #include <QListView>
@@ -45,6 +48,8 @@ void QInterface::buildControllerUi()
     m_issues->setObjectName(QStringLiteral("issuesDialog"));
     registerDialog(QStringLiteral("issues"), m_issues);
     connect(m_issues, &ErrorDlg::itemClicked, this, &QInterface::itemClicked);
+    if (m_objects.fileWatcher)
+        connect(m_objects.fileWatcher, &QFileWatcherManager::fileChanged, this, &QInterface::watchedFileChanged);
 
     buildProjectMenu();
     buildViewMenu();
@@ -374,6 +379,29 @@ void QInterface::actionChanged(const QModelIndex &index)
     QAction2 *a = m_actions.list().action(index.row());
     if (a && a->isEnabled())
         a->activate(QAction::Trigger);
+}
+
+void QInterface::watchedFileChanged(const QString &path, const QList<QFileWatchObject *> &objects)
+{
+    if (!configFlag("enable_file_watcher", false))
+        return;
+    QList<QPointer<QFileWatchObject>> documents(objects.cbegin(), objects.cend());
+    const QMessageBox::StandardButton answer = QAskUser::message(
+        m_window, QMessageBox::Question, tr("File modified"),
+        tr("The file '%1' has been modified. Do you want to reload all other instances of this file now?")
+            .arg(QDir::toNativeSeparators(path)),
+        QMessageBox::Yes | QMessageBox::No, QMessageBox::No);
+    if (answer != QMessageBox::Yes)
+        return;
+    bool failed = false;
+    for (const QPointer<QFileWatchObject> &doc : std::as_const(documents))
+        if (doc && !doc->reload(path))
+            failed = true;
+    refreshCurrentEditor();
+    if (failed)
+        QAskUser::warning(m_window, tr("File modified"),
+                          tr("The file '%1' could not be read again; the text open here stays as it was.")
+                              .arg(QDir::toNativeSeparators(path)));
 }
 
 void QInterface::addJumpHandler(const QString &context, JumpHandler handler)

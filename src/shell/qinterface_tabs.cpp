@@ -60,6 +60,7 @@ QProject *QInterface::createProject()
     settings.records = m_objects.spriteRecords;
     settings.mugenSyntax = m_objects.mugenSyntax;
     settings.syntaxFormats = m_objects.syntaxFormats;
+    settings.fileWatcher = m_objects.fileWatcher;
     auto *project = new QProject(settings);
     connectProject(project);
     return project;

@@ -285,7 +285,7 @@ const char *const kCaptions[QTranslationUnit::Count] = {
     QT_TRANSLATE_NOOP("QTranslationUnit", "Send selection to the left palette"), // 274
     QT_TRANSLATE_NOOP("QTranslationUnit", "Send selection to the right palette"), // 275
     QT_TRANSLATE_NOOP("QTranslationUnit", "Send selected colors to the left palette"), // 276
-    QT_TRANSLATE_NOOP("QTranslationUnit", "Send selectied colors to the right palette"), // 277
+    QT_TRANSLATE_NOOP("QTranslationUnit", "Send selected colors to the right palette"), // 277
     QT_TRANSLATE_NOOP("QTranslationUnit", "Move canvas"), // 278
     QT_TRANSLATE_NOOP("QTranslationUnit", "Rectangle selection"), // 279
     QT_TRANSLATE_NOOP("QTranslationUnit", "Free selection"), // 280

@@ -201,6 +201,8 @@ public:
     // A palette read from a file of the project: part of loading, so no undo
     // and no unsaved change. Returns its index.
     int addLoadedPalette(const QRGBPal &colors, int group, int number);
+    // The same for a palette the store may hold already: its colours are replaced.
+    int setLoadedPalette(const QRGBPal &colors, int group, int number);
 
     const QList<QSpriteItem *> &items() const { return m_sprites; }
     QSpriteCache &cache() { return m_cache; }

@@ -191,6 +191,20 @@ void QSprites::restorePalettes(const QPaletteList &palettes, const QList<int> &s
     m_paletteObject.endReset();
 }
 
+int QSprites::setLoadedPalette(const QRGBPal &colors, int group, int number)
+{
+    const int index = findPalette(0, group, number);
+    if (index < 0)
+        return addLoadedPalette(colors, group, number);
+    const bool undo = m_undoEnabled;
+    const bool modified = m_modified;
+    m_undoEnabled = false;
+    setPaletteColors(index, colors);
+    m_undoEnabled = undo;
+    m_modified = modified;
+    return index;
+}
+
 int QSprites::addLoadedPalette(const QRGBPal &colors, int group, int number)
 {
     const bool undo = m_undoEnabled;

@@ -5,11 +5,9 @@
 
 #include "animations/qanimations.h"
 #include "animations/ui/qanimationseditor.h"
-#include "approot.h"
+#include "appdriver.h"
 #include "project/qproject.h"
 #include "render/qsprrender.h"
-#include "shell/qaskuser.h"
-#include "shell/qeditorregistry.h"
 
 #include <QAction>
 #include <QDir>
@@ -53,33 +51,17 @@ class TestAnimationsEditor : public QObject
 private slots:
     void initTestCase()
     {
-        QVERIFY(home.isValid());
-        root = TestSupport::startProgram(home.path());
-        QAskUser::setMessageHandler([this](QMessageBox::Icon, const QString &, const QString &text,
-                                           QMessageBox::StandardButtons, QMessageBox::StandardButton) {
-            messages << text;
-            return answer;
-        });
-        QAskUser::setFileHandler([this](QAskUser::FileMode, const QString &, const QString &, const QString &) {
-            return fileAnswer;
-        });
-        QAskUser::setDialogHandler([](QDialog *) { return int(QDialog::Rejected); });
-        root->controller()->openProject(TestSupport::samplePath(QStringLiteral("chars/kfm/kfm.def")));
-        QVERIFY(root->controller()->currentProject());
-        root->controller()->registry().editorSwitch(2);
-        editor = qobject_cast<QAnimationsEditor *>(root->controller()->registry().editor(2));
+        app = std::make_unique<TestSupport::AppDriver>(QSize());
+        app->ask.onDialog = [](QDialog *) { return int(QDialog::Rejected); };
+        app->ui()->openProject(TestSupport::samplePath(QStringLiteral("chars/kfm/kfm.def")));
+        QVERIFY(app->ui()->currentProject());
+        editor = app->showEditor<QAnimationsEditor>(2);
         QVERIFY(editor && editor->isActive());
         editor->setClock([this] { return now; });
         editor->renderer()->resizeEvent(QSize(640, 480));
         editor->renderer()->setZoomIndex(2);
     }
-    void cleanupTestCase()
-    {
-        QAskUser::setMessageHandler({});
-        QAskUser::setFileHandler({});
-        QAskUser::setDialogHandler({});
-        root.reset();
-    }
+    void cleanupTestCase() { app.reset(); }
 
     void playFollowsTheClock();
     void frameToolsAndUndo();
@@ -97,13 +79,9 @@ private:
         return row;
     }
 
-    QTemporaryDir home;
-    std::unique_ptr<QAppRoot> root;
+    std::unique_ptr<TestSupport::AppDriver> app;
     QAnimationsEditor *editor = nullptr;
     qint64 now = 0;
-    QStringList messages;
-    QMessageBox::StandardButton answer = QMessageBox::Yes;
-    QString fileAnswer;
 };
 
 void TestAnimationsEditor::playFollowsTheClock()
@@ -198,9 +176,9 @@ void TestAnimationsEditor::frameToolsAndUndo()
     QCOMPARE(editor->currentFrame(), 2);
     editor->frameDel();
     QCOMPARE(store->frameCount(row), 4);
-    answer = QMessageBox::No;
+    app->ask.answer = QMessageBox::No;
     editor->duplicate();
-    answer = QMessageBox::Yes;
+    app->ask.answer = QMessageBox::Yes;
     QCOMPARE(store->count(), count + 1);
     QCOMPARE(store->action(row + 1)->number, 7010);
     QCOMPARE(editor->currentAction(), row + 1);
@@ -218,11 +196,11 @@ void TestAnimationsEditor::frameToolsAndUndo()
     QCOMPARE(store->actionText(count + 1), other.actionText(1));
     editor->undo();
     QCOMPARE(store->count(), count);
-    QAskUser::setDialogHandler([](QDialog *) { return int(QDialog::Accepted); });
-    messages.clear();
+    app->ask.texts.clear();
+    app->ask.onDialog = nullptr;
     editor->projImport();
-    QAskUser::setDialogHandler([](QDialog *) { return int(QDialog::Rejected); });
-    QCOMPARE(messages, QStringList{QStringLiteral("You can't import from the destination project!")});
+    app->ask.onDialog = [](QDialog *) { return int(QDialog::Rejected); };
+    QCOMPARE(app->ask.texts, QStringList{QStringLiteral("You can't import from the destination project!")});
     QCOMPARE(store->count(), count);
 }
 
@@ -293,33 +271,34 @@ void TestAnimationsEditor::textViewAndGif()
 
     // GIF of the stand; an empty action refuses with the message.
     QTemporaryDir out;
-    fileAnswer = out.filePath(QStringLiteral("stand.gif"));
+    app->ask.files << out.filePath(QStringLiteral("stand.gif"));
     editor->selPosChanged(0);
     editor->saveGIF();
-    const QByteArray gif = TestSupport::readAll(fileAnswer);
+    const QByteArray gif = TestSupport::readAll(out.filePath(QStringLiteral("stand.gif")));
     QVERIFY(gif.startsWith("GIF89a"));
     QCOMPARE(gif.back(), char(0x3B));
     const int empty = actionFromText(QStringLiteral("[Begin Action 7040]\n"));
     QCOMPARE(store->frameCount(empty), 0);
-    messages.clear();
-    fileAnswer = out.filePath(QStringLiteral("empty.gif"));
+    app->ask.texts.clear();
+    app->ask.files = QStringList{out.filePath(QStringLiteral("empty.gif"))};
     editor->saveGIF();
-    QCOMPARE(messages, QStringList{QStringLiteral("You can't save an empty animation as GIF.")});
-    QVERIFY(!QFile::exists(fileAnswer));
+    QCOMPARE(app->ask.texts, QStringList{QStringLiteral("You can't save an empty animation as GIF.")});
+    QVERIFY(!QFile::exists(out.filePath(QStringLiteral("empty.gif"))));
+    app->ask.files.clear();
 
     // Find by number, and by name.
     editor->find(QStringLiteral("7031"), {});
     QCOMPARE(editor->currentAction(), row);
-    messages.clear();
+    app->ask.texts.clear();
     editor->find(QStringLiteral("no such name at all"), {});
-    QCOMPARE(messages, QStringList{QStringLiteral("No animation found!")});
+    QCOMPARE(app->ask.texts, QStringList{QStringLiteral("No animation found!")});
 
     // The stage is shared with the sprites: the text view leaves with the
     // animations and stays away whatever its mode does meanwhile.
-    QEditorRegistry &registry = root->controller()->registry();
+    QEditorRegistry &registry = app->registry();
     registry.editorSwitch(1);
     QVERIFY(editor->textView()->isHidden());
-    registry.setCurrentProject(root->controller()->currentProject());
+    registry.setCurrentProject(app->ui()->currentProject());
     QVERIFY(editor->textView()->isHidden());
     editor->action(QStringLiteral("air_text_full"))->trigger();
     editor->action(QStringLiteral("air_text_full"))->trigger();
@@ -336,7 +315,7 @@ void TestAnimationsEditor::screenshots()
     if (shots.isEmpty())
         QSKIP("BF_SCREENSHOT_DIR is not set");
     QDir().mkpath(shots);
-    QWidget *window = root->window();
+    QWidget *window = app->root->window();
     window->resize(1280, 860);
     window->show();
     QVERIFY(QTest::qWaitForWindowExposed(window));
@@ -362,18 +341,18 @@ void TestAnimationsEditor::screenshots()
     editor->action(QStringLiteral("air_text_full"))->trigger();
     editor->selPosChanged(0);
     // The dialogs, as they open.
-    QAskUser::setDialogHandler([shots](QDialog *dialog) {
+    app->ask.onDialog = [shots](QDialog *dialog) {
         dialog->show();
         QTest::qWait(50);
         dialog->grab().save(QDir(shots).filePath(dialog->objectName() + QStringLiteral(".png")));
         return int(QDialog::Rejected);
-    });
+    };
     editor->frameAlign();
     editor->editText();
-    QAskUser::setDialogHandler([](QDialog *) { return int(QDialog::Rejected); });
-    fileAnswer = QDir(shots).filePath(QStringLiteral("kfm-stand.gif"));
+    app->ask.onDialog = [](QDialog *) { return int(QDialog::Rejected); };
+    app->ask.files << QDir(shots).filePath(QStringLiteral("kfm-stand.gif"));
     editor->saveGIF();
-    QVERIFY(QFile::exists(fileAnswer));
+    QVERIFY(QFile::exists(QDir(shots).filePath(QStringLiteral("kfm-stand.gif"))));
 }
 
 QTEST_MAIN(TestAnimationsEditor)

@@ -5,6 +5,7 @@
 #include "palettesupport.h"
 #include "testsupport.h"
 
+#include "base/qmessages.h"
 #include "project/qproject.h"
 #include "render/qsprrender.h"
 #include "shell/qaction2.h"
@@ -23,6 +24,7 @@
 #include <QAbstractButton>
 #include <QColorDialog>
 #include <QDir>
+#include <QFile>
 #include <QLabel>
 #include <QListWidget>
 #include <QPushButton>
@@ -184,6 +186,7 @@ private slots:
         trigger("pal_add");
         QCOMPARE(s->paletteCount(), 2);
         QCOMPARE(*s->paletteColors(1), QRGBPal());
+        QCOMPARE(s->paletteColors(1)->colors[0], TestSupport::rgb(0, 0, 0, 255));
         QCOMPARE(label("pal_sel_lb"), QStringLiteral("2 / 2"));
 
         // Yes: one palette per file, after the current one; a bad file is reported by name.
@@ -193,10 +196,16 @@ private slots:
         QVERIFY(QPaletteFile::saveAct(a, ramp(1)) && QPaletteFile::saveAct(b, ramp(2)));
         QVERIFY(TestSupport::writeAll(bad, "JASC-PAL\r\nnonsense"));
         m_ask->files << QStringList{a, bad, b}.join(QLatin1Char('\n'));
+        m_ask->fill = [](QDialog *d) {
+            d->findChild<QSpinBox *>(QStringLiteral("group"))->setValue(7);
+            d->findChild<QSpinBox *>(QStringLiteral("number"))->setValue(3);
+        };
         trigger("pal_add");
         QCOMPARE(s->paletteCount(), 4);
         QCOMPARE(s->paletteColors(2)->colors[7], ramp(1)[7]);
         QCOMPARE(s->paletteColors(3)->colors[200], ramp(2)[200]);
+        QVERIFY(s->paletteInfo(2).group == 7 && s->paletteInfo(2).number == 3 && s->paletteInfo(3).number == 4);
+        m_ask->fill = nullptr;
         QVERIFY(m_ask->messages().last().contains(QStringLiteral("bad.pal")));
 
         // Open loads a file into the shown palette, and the panel's undo takes it back.
@@ -297,6 +306,132 @@ private slots:
         QCOMPARE(s->paletteColors(p)->colors[0], TestSupport::rgb(7, 7, 7));
         trigger("pal_redo");
         QCOMPARE(s->paletteColors(p)->colors[0], TestSupport::rgb(8, 8, 8));
+    }
+
+    // A character whose DEF names its palette files: they are palettes 1,N over
+    // the sprite file's own, and the project's save writes an edit back.
+    void savesCharacterPaletteFilesBack()
+    {
+        BF_REQUIRE_SAMPLE();
+        const QDir dir(m_files.filePath(QStringLiteral("char")));
+        QVERIFY(dir.mkpath(QStringLiteral(".")));
+        QVERIFY(QFile::copy(TestSupport::samplePath("chars/kfm/kfm.sff"), dir.filePath(QStringLiteral("kfm.sff"))));
+        QVERIFY(TestSupport::writeAll(dir.filePath(QStringLiteral("kfm.def")),
+                                      "[Info]\nname = \"K\"\n[Files]\nsprite = kfm.sff\npal1 = one.act\npal2 = two.act\npal4 = gone.act\n"
+                                      "pal5 = blocked/five.act\n"));
+        // A file where pal5's folder should be: that palette can't be written.
+        QVERIFY(TestSupport::writeAll(dir.filePath(QStringLiteral("blocked")), "x"));
+        const QString one = dir.filePath(QStringLiteral("one.act")), two = dir.filePath(QStringLiteral("two.act"));
+        QVERIFY(QPaletteFile::saveAct(one, ramp(1)) && QPaletteFile::saveAct(two, ramp(2)));
+        const QByteArray oneBytes = TestSupport::readAll(one), twoBytes = TestSupport::readAll(two);
+
+        ui()->openProject(dir.filePath(QStringLiteral("kfm.def")));
+        registry().editorAction(1)->trigger();
+        registry().setExtraEditor(1);
+        QSprites *s = store();
+        const int p12 = s->findPalette(0, 1, 2);
+        QCOMPARE(QPaletteFile::actBytes(*s->paletteColors(s->findPalette(0, 1, 1))), oneBytes);
+        QCOMPARE(QPaletteFile::actBytes(*s->paletteColors(p12)), twoBytes);
+        bool warned = false;
+        for (const QMessages::Message &m : ui()->currentProject()->messages()->messages())
+            warned |= m.kind == QMessages::Warning && m.text.contains(QStringLiteral("gone.act"));
+        QVERIFY(warned);
+
+        qobject_cast<QScrollBar *>(control("pal_sel"))->setValue(p12);
+        view()->rgbPalette()->setColor(7, TestSupport::rgb(1, 2, 3));
+        const QRGBPal edited = *s->paletteColors(p12);
+        const int undoIndex = s->undoStack()->index();
+        // No to the palette question leaves the files as they were.
+        m_ask->answer = QMessageBox::No;
+        ui()->fileSave();
+        QCOMPARE(TestSupport::readAll(two), twoBytes);
+        m_ask->answer = QMessageBox::Yes;
+        ui()->fileSave();
+        QCOMPARE(TestSupport::readAll(two), QPaletteFile::actBytes(edited));
+        QCOMPARE(TestSupport::readAll(two).mid(3 * (255 - 7), 3), QByteArray("\x01\x02\x03", 3));
+        QCOMPARE(TestSupport::readAll(one), oneBytes);
+        QVERIFY(m_ask->messages().last().contains(QStringLiteral("five.act")));
+        QCOMPARE(TestSupport::readAll(dir.filePath(QStringLiteral("blocked"))), QByteArray("x"));
+        // The missing file is made from the sprite file's own palette 1,4.
+        QCOMPARE(TestSupport::readAll(dir.filePath(QStringLiteral("gone.act"))), QPaletteFile::actBytes(*s->paletteColors(s->findPalette(0, 1, 4))));
+        QCOMPARE(s->undoStack()->index(), undoIndex);
+        QCOMPARE(*s->paletteColors(p12), edited);
+    }
+
+    // Remap: sprites drawn in 1,1 take 1,6 on "Apply", pixel for pixel, in one undo step.
+    void remapsSpritePalettesInOneStep()
+    {
+        BF_REQUIRE_SAMPLE();
+        ui()->openProject(TestSupport::samplePath("chars/kfm/kfm.def"));
+        registry().editorAction(1)->trigger();
+        registry().setExtraEditor(1);
+        QSprites *s = store();
+        const int p11 = s->findPalette(0, 1, 1), p16 = s->findPalette(0, 1, 6);
+        s->setPaletteColors(p16, ramp(5));
+        const int n = qMin(s->count(), 80);
+        QList<QImage> before;
+        for (int i = 0; i < n; ++i)
+            before << s->image(i);
+        const QList<int> indices = s->spritePaletteIndices();
+        const int undoIndex = s->undoStack()->index();
+        m_ask->onDialog = [s](QDialog *d) {
+            d->findChild<QPushButton *>(QStringLiteral("add"))->click();
+            s->remap()->setRow(0, 1, 1, 1, 6);
+            return int(QDialog::Accepted);
+        };
+        trigger("pal_remap");
+        QCOMPARE(s->remap()->rowCount(), 0);
+        int moved = 0;
+        for (int i = 0; i < n; ++i) {
+            QImage expected = before[i];
+            if (indices[i] == p11 && expected.format() == QImage::Format_Indexed8) {
+                expected.setColorTable(ramp(5).toColorTable());
+                ++moved;
+            }
+            QCOMPARE(s->item(i)->info.palette, quint16(indices[i] == p11 ? p16 : indices[i]));
+            QCOMPARE(s->image(i), expected);
+        }
+        QVERIFY(moved > 0);
+        QCOMPARE(s->undoStack()->index(), undoIndex + 1);
+        s->undoStack()->undo();
+        QCOMPARE(s->spritePaletteIndices(), indices);
+    }
+
+    // With BF_SCREENSHOT_DIR set (under xvfb-run), the pictures of the README.
+    void screenshotsForTheDocs()
+    {
+        const QString dir = qEnvironmentVariable("BF_SCREENSHOT_DIR");
+        if (dir.isEmpty())
+            QSKIP("BF_SCREENSHOT_DIR not set");
+        BF_REQUIRE_SAMPLE();
+        auto shoot = [&dir](QWidget *w, const char *name) {
+            QTest::qWait(200);
+            QVERIFY(w->grab().save(dir + QLatin1Char('/') + QLatin1String(name)));
+        };
+        ui()->openProject(TestSupport::samplePath("chars/kfm/kfm.def"));
+        registry().editorAction(1)->trigger();
+        registry().setExtraEditor(1);
+        QSprites *s = store();
+        int stand = 0;
+        while (stand < s->count() && (s->item(stand)->info.group != 0 || s->item(stand)->info.number != 0))
+            ++stand;
+        qobject_cast<QScrollBar *>(control("spr_sel"))->setValue(stand);
+        auto *bar = qobject_cast<QScrollBar *>(control("pal_sel"));
+        bar->setValue(s->findPalette(0, 1, 1));
+        shoot(m_root->window(), "palettes-kfm-1-1.png");
+        bar->setValue(s->findPalette(0, 1, 6));
+        shoot(m_root->window(), "palettes-kfm-1-6.png");
+        bar->setValue(s->findPalette(0, 1, 1));
+        m_ask->onDialog = [&](QDialog *d) {
+            d->resize(760, 440);
+            d->show();
+            d->findChild<QPushButton *>(QStringLiteral("add"))->click();
+            shoot(d, "remap-before.png");
+            s->remap()->setRow(0, 1, 1, 1, 6);
+            shoot(d, "remap-after.png");
+            return int(QDialog::Rejected);
+        };
+        trigger("pal_remap");
     }
 };
 

@@ -3,20 +3,14 @@
 // an audio server whose output is recorded.
 #include <QtTest>
 
-#include "approot.h"
+#include "appdriver.h"
 #include "testsupport.h"
 #include "wavsupport.h"
 
 #include "base/qmugenmodel.h"
 #include "project/qproject.h"
-#include "shell/qaction2.h"
-#include "shell/qactionmanager.h"
-#include "shell/qaskuser.h"
-#include "shell/qeditorregistry.h"
-#include "shell/qinterface.h"
 #include "sounds/ui/qsoundseditor.h"
 
-#include <QDialog>
 #include <QLabel>
 #include <QListView>
 #include <QListWidget>
@@ -30,70 +24,24 @@ using namespace TestSupport;
 
 namespace {
 
-// Answers every question at once: files from a list, dialogs through a
-// function, message boxes with their default; records what was asked.
-struct Answers
+// The sounds page of a started program, with `def` open when given.
+struct Page : AppDriver
 {
-    QStringList texts;
-    QStringList files;
-    std::function<void(QDialog *)> fill;
-    bool acceptDialogs = true;
-    QStringList dialogs;
-
-    Answers()
-    {
-        QAskUser::setMessageHandler([this](QMessageBox::Icon, const QString &, const QString &text,
-                                           QMessageBox::StandardButtons buttons, QMessageBox::StandardButton) {
-            texts << text;
-            return buttons.testFlag(QMessageBox::Yes) ? QMessageBox::Yes : QMessageBox::Ok;
-        });
-        QAskUser::setFileHandler([this](QAskUser::FileMode, const QString &, const QString &, const QString &) {
-            return files.isEmpty() ? QString() : files.takeFirst();
-        });
-        QAskUser::setDialogHandler([this](QDialog *dialog) {
-            dialogs << dialog->objectName();
-            if (fill)
-                fill(dialog);
-            return int(acceptDialogs ? QDialog::Accepted : QDialog::Rejected);
-        });
-    }
-    ~Answers()
-    {
-        QAskUser::setMessageHandler({});
-        QAskUser::setFileHandler({});
-        QAskUser::setDialogHandler({});
-    }
-};
-
-struct Page
-{
-    std::unique_ptr<QAppRoot> root;
     QSoundsEditor *editor = nullptr;
     QWidget *panel = nullptr;
 
-    void trigger(const char *key) const
+    explicit Page(const QString &def = QString())
+        : AppDriver(QSize(1000, 700))
     {
-        root->controller()->registry().actionManager().action(QString::fromLatin1(key))->trigger();
+        if (!def.isEmpty())
+            ui()->openProject(def);
+        editor = showEditor<QSoundsEditor>(5);
+        panel = registry().editorPanel(QStringLiteral("sounds"));
     }
     QString info() const { return panel->findChild<QLabel *>(QStringLiteral("snd_info"))->text(); }
     QListView *list() const { return panel->findChild<QListView *>(QStringLiteral("snd_sel")); }
     QSpinBox *field(const char *name) const { return panel->findChild<QSpinBox *>(QString::fromLatin1(name)); }
 };
-
-Page openPage(const QString &dir, const QString &def = QString())
-{
-    Page p;
-    p.root = startProgram(dir);
-    p.root->window()->resize(1000, 700);
-    p.root->window()->show();
-    if (!def.isEmpty())
-        p.root->controller()->openProject(def);
-    QEditorRegistry &registry = p.root->controller()->registry();
-    registry.editorSwitch(5);
-    p.editor = static_cast<QSoundsEditor *>(registry.editor(5));
-    p.panel = registry.editorPanel(QStringLiteral("sounds"));
-    return p;
-}
 
 QStringList shown(const QSounds *s)
 {
@@ -117,8 +65,8 @@ private slots:
     void sampleCharacterPage()
     {
         BF_REQUIRE_SAMPLE();
-        Answers answers;
-        Page p = openPage(m_dir.filePath(QStringLiteral("kfm")), samplePath(QStringLiteral("chars/kfm/kfm.def")));
+        Page p(samplePath(QStringLiteral("chars/kfm/kfm.def")));
+        AskRecorder &answers = p.ask;
         QSounds *s = p.editor->store();
         QCOMPARE(s->count(), 12);
         QCOMPARE(p.list()->model(), s);
@@ -168,8 +116,8 @@ private slots:
     // without the question; delete, duplicate, group commands and saving WAVs.
     void addDeleteAndSave()
     {
-        Answers answers;
-        Page p = openPage(m_dir.filePath(QStringLiteral("new")));
+        Page p;
+        AskRecorder &answers = p.ask;
         QSounds *s = p.editor->store();
         QVERIFY(s);
         QCOMPARE(p.info(), QStringLiteral("Channels: ---\nSample rate: ---\nBits per sample: ---\nDuration: ---"));
@@ -243,7 +191,7 @@ private slots:
         // Import from another open project: its sounds, with their bytes, as one step.
         if (sampleDir().isEmpty())
             return;
-        p.root->controller()->openProject(samplePath(QStringLiteral("chars/kfm/kfm.def")));
+        p.ui()->openProject(samplePath(QStringLiteral("chars/kfm/kfm.def")));
         QSounds *kfm = p.editor->store();
         QVERIFY(kfm != s);
         answers.fill = [](QDialog *d) { d->findChild<QListWidget *>(QStringLiteral("projects"))->setCurrentRow(0); };
@@ -262,8 +210,7 @@ private slots:
     // a name of its own; the stop timer resets the buttons.
     void playerLifecycle()
     {
-        Answers answers;
-        Page p = openPage(m_dir.filePath(QStringLiteral("player")));
+        Page p;
         QSounds *s = p.editor->store();
         s->add(1, 1, makeWav(1, 8000, 8, 400)); // 0.05 s
         p.editor->selPosChanged(0);
@@ -271,7 +218,7 @@ private slots:
         QCOMPARE(QSoundPlayer::stopInterval(0.05f), 1050);
         QCOMPARE(QSoundPlayer::stopInterval(0), 1000);
 
-        QAction *stop = p.root->controller()->registry().actionManager().action(QStringLiteral("snd_stop"));
+        QAction *stop = p.action("snd_stop");
         p.trigger("snd_play");
         const QString file = player->fileName();
         QVERIFY(QFileInfo(file).fileName().startsWith(QStringLiteral("ZCC9-")));

@@ -1,17 +1,13 @@
 // The sprites editor driven as a user drives it: the buttons of the preset,
 // the keys on the stage and the mouse on the axis, with every question
 // answered through QAskUser.
-#include "approot.h"
-#include "askrecorder.h"
+#include "appdriver.h"
 #include "testsupport.h"
 
 #include "project/qproject.h"
 #include "render/qsprrender.h"
-#include "shell/qaction2.h"
-#include "shell/qaskuser.h"
 #include "shell/qeditorregistry.h"
 #include "shell/qinterface.h"
-#include "shell/qinterfacecontrolwidget.h"
 #include "shell/qwindowlayout.h"
 #include "sprites/qimagefile.h"
 #include "sprites/qspritecache.h"
@@ -30,23 +26,17 @@ class TestSpritesEditor : public QObject
 {
     Q_OBJECT
 
-    QTemporaryDir m_home;
     QTemporaryDir m_files;
-    std::unique_ptr<QAppRoot> m_root;
-    std::unique_ptr<TestSupport::AskRecorder> m_ask;
+    std::unique_ptr<TestSupport::AppDriver> m_app;
 
-    QInterface *ui() const { return m_root->controller(); }
-    QEditorRegistry &registry() const { return ui()->registry(); }
+    QInterface *ui() const { return m_app->ui(); }
+    QEditorRegistry &registry() const { return m_app->registry(); }
     QSpritesEditor *editor() const { return static_cast<QSpritesEditor *>(registry().editor(1)); }
     QSprites *store() const { return ui()->currentProject()->sprites(); }
-    void trigger(const char *key) { registry().actionManager().action(QString::fromLatin1(key))->trigger(); }
-    QWidget *control(const char *name) const
-    {
-        auto *c = dynamic_cast<QInterfaceControlWidget *>(registry().control(QString::fromLatin1(name)));
-        return c ? c->widget() : nullptr;
-    }
-    QString label(const char *name) const { return qobject_cast<QLabel *>(control(name))->text(); }
-    int spin(const char *name) const { return qobject_cast<QSpinBox *>(control(name))->value(); }
+    void trigger(const char *key) { m_app->trigger(key); }
+    QWidget *control(const char *name) const { return m_app->control(name); }
+    QString label(const char *name) const { return m_app->control<QLabel>(name)->text(); }
+    int spin(const char *name) const { return m_app->control<QSpinBox>(name)->value(); }
 
     // A new empty project in front, on the sprites tab.
     void freshProject()
@@ -75,19 +65,15 @@ class TestSpritesEditor : public QObject
 private slots:
     void initTestCase()
     {
-        m_root = TestSupport::startProgram(m_home.path());
-        m_root->window()->resize(1280, 860);
-        m_root->window()->show();
-        m_ask = std::make_unique<TestSupport::AskRecorder>();
+        m_app = std::make_unique<TestSupport::AppDriver>();
     }
     void cleanupTestCase()
     {
-        m_ask.reset();
-        m_root.reset();
+        m_app.reset();
     }
     void init()
     {
-        m_ask->reset();
+        m_app->ask.reset();
     }
 
     void browsesKfmWithThePanelAndTheKeys()
@@ -168,7 +154,7 @@ private slots:
         emit registry().editFind(QStringLiteral("%1,%2").arg(target.group).arg(target.number), {});
         QCOMPARE(s->findSprite(0, target.group, target.number), editor()->position());
         emit registry().editFind(QStringLiteral("65000,1"), {});
-        QVERIFY(m_ask->messages().last().endsWith(QLatin1String("No sprite found!")));
+        QVERIFY(m_app->ask.messages().last().endsWith(QLatin1String("No sprite found!")));
     }
 
     void addsSavesAndCrops()
@@ -176,8 +162,8 @@ private slots:
         freshProject();
         const QStringList files = writeImages(10, QStringLiteral("add"));
         QCOMPARE(files.size(), 10);
-        m_ask->files << files.join(QLatin1Char('\n'));
-        m_ask->fill = [](QDialog *d) {
+        m_app->ask.files << files.join(QLatin1Char('\n'));
+        m_app->ask.fill = [](QDialog *d) {
             d->findChild<QSpinBox *>("group")->setValue(7);
             d->findChild<QSpinBox *>("index")->setValue(0);
             d->findChild<QAbstractButton *>("TenInc")->setChecked(true);
@@ -196,7 +182,7 @@ private slots:
         const QString sff = m_files.filePath(QStringLiteral("added.sff"));
         s->setFileName(sff);
         trigger("spr_save");
-        QVERIFY(m_ask->messages().isEmpty());
+        QVERIFY(m_app->ask.messages().isEmpty());
         QSprites back;
         QVERIFY(back.fromFile(sff, false, false));
         QCOMPARE(back.count(), 10);
@@ -214,7 +200,7 @@ private slots:
         QCOMPARE(s->count(), 10);
 
         // Duplicate as a link, then delete the original: the link inherits the image.
-        m_ask->fill = [](QDialog *d) { d->findChild<QAbstractButton *>("DuplLink")->setChecked(true); };
+        m_app->ask.fill = [](QDialog *d) { d->findChild<QAbstractButton *>("DuplLink")->setChecked(true); };
         editor()->definePos(2);
         trigger("spr_duplicate");
         QCOMPARE(s->count(), 11);
@@ -226,7 +212,7 @@ private slots:
         QVERIFY(!s->image(2).isNull());
 
         // A new picture for a sprite keeps its place and info; undo brings the old one back.
-        m_ask->files << writeImages(1, QStringLiteral("replace")).first();
+        m_app->ask.files << writeImages(1, QStringLiteral("replace")).first();
         editor()->definePos(0);
         const quint32 oldSize = s->spriteSize(0);
         const QSpriteInfo oldInfo = s->item(0)->info;
@@ -237,11 +223,11 @@ private slots:
         QCOMPARE(s->spriteSize(0), oldSize);
 
         // Renaming and deleting a group go through their dialogs.
-        m_ask->fill = [](QDialog *d) { d->findChild<QSpinBox *>("newGroup")->setValue(9); };
+        m_app->ask.fill = [](QDialog *d) { d->findChild<QSpinBox *>("newGroup")->setValue(9); };
         trigger("spr_rename_grp");
         QCOMPARE(s->findSprite(0, 7, 0), -1);
         QCOMPARE(s->findSprite(0, 9, 0), 0);
-        m_ask->fill = [](QDialog *d) {
+        m_app->ask.fill = [](QDialog *d) {
             d->findChild<QAbstractButton *>("interval")->setChecked(true);
             d->findChild<QSpinBox *>("start")->setValue(0);
             d->findChild<QSpinBox *>("end")->setValue(40);
@@ -253,8 +239,8 @@ private slots:
     void exportsReplacesAndSplits()
     {
         freshProject();
-        m_ask->files << writeImages(3, QStringLiteral("exp")).join(QLatin1Char('\n'));
-        m_ask->fill = [](QDialog *d) {
+        m_app->ask.files << writeImages(3, QStringLiteral("exp")).join(QLatin1Char('\n'));
+        m_app->ask.fill = [](QDialog *d) {
             d->findChild<QSpinBox *>("group")->setValue(0);
             d->findChild<QAbstractButton *>("AxisC")->setChecked(true);
         };
@@ -265,8 +251,8 @@ private slots:
         // Aligned: every file one canvas, each axis on one point, and the axis written down.
         QDir out(m_files.filePath(QStringLiteral("aligned")));
         QVERIFY(out.mkpath(QStringLiteral(".")));
-        m_ask->files << out.filePath(QStringLiteral("kfm.png"));
-        m_ask->fill = [](QDialog *d) { d->findChild<QAbstractButton *>("interval")->setChecked(true); };
+        m_app->ask.files << out.filePath(QStringLiteral("kfm.png"));
+        m_app->ask.fill = [](QDialog *d) { d->findChild<QAbstractButton *>("interval")->setChecked(true); };
         trigger("spr_saveimg_aligned");
         QStringList written = out.entryList({QStringLiteral("*.png")}, QDir::Files, QDir::Name);
         QCOMPARE(written, (QStringList{"kfm_0-0.png", "kfm_0-1.png", "kfm_0-2.png"}));
@@ -276,13 +262,13 @@ private slots:
             QCOMPARE(QImage(out.filePath(name)).size(), QSize(axisMax.x() + sizeMax.x(), axisMax.y() + sizeMax.y()));
         QCOMPARE(TestSupport::readAll(out.filePath(QStringLiteral("axis.txt"))),
                  QStringLiteral("X axis: %1\r\nY axis: %2\r\n").arg(axisMax.x()).arg(axisMax.y()).toUtf8());
-        QVERIFY(m_ask->messages().last().startsWith(QLatin1String("Perfect axis: The axis is X:")));
+        QVERIFY(m_app->ask.messages().last().startsWith(QLatin1String("Perfect axis: The axis is X:")));
 
         // A failed export names the file and keeps the store as it was.
-        m_ask->files << m_files.filePath(QStringLiteral("missing/folder/one.png"));
-        m_ask->fill = [](QDialog *d) { d->findChild<QAbstractButton *>("current")->setChecked(true); };
+        m_app->ask.files << m_files.filePath(QStringLiteral("missing/folder/one.png"));
+        m_app->ask.fill = [](QDialog *d) { d->findChild<QAbstractButton *>("current")->setChecked(true); };
         trigger("spr_saveimg");
-        QVERIFY(m_ask->messages().last().contains(QLatin1String("one.png")));
+        QVERIFY(m_app->ask.messages().last().contains(QLatin1String("one.png")));
 
         // Replace ",5" changes the number and nothing else.
         editor()->definePos(1);
@@ -323,7 +309,7 @@ private slots:
         if (dir.isEmpty())
             QSKIP("BF_SCREENSHOT_DIR not set");
         BF_REQUIRE_SAMPLE();
-        QWidget *window = m_root->window();
+        QWidget *window = m_app->root->window();
         auto shoot = [&](const char *name) {
             QTest::qWait(200);
             QVERIFY(window->grab().save(dir + QLatin1Char('/') + QLatin1String(name)));

@@ -6,14 +6,18 @@
 #include "approot.h"
 #include "testsupport.h"
 
+#include "animations/ui/qanimationseditor.h"
+#include "base/qmugenmodel.h"
+#include "code/qmugensyntaxhierarchy.h"
 #include "code/qsyntaxtexteditor.h"
 #include "code/ui/qstateseditor.h"
+#include "code/ui/sctrledit.h"
 #include "code/ui/qtexteditor.h"
-#include "base/qmugenmodel.h"
 #include "code/ui/qtextworkspace.h"
 #include "project/qproject.h"
 #include "shell/qaction2.h"
 #include "shell/qactionmanager.h"
+#include "shell/errordlg.h"
 #include "shell/finddlgmlt.h"
 #include "shell/qaskuser.h"
 #include "shell/qeditorregistry.h"
@@ -25,11 +29,14 @@
 #include <QDirIterator>
 #include <QLabel>
 #include <QLineEdit>
+#include <QListView>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QSpinBox>
 #include <QTabBar>
 #include <QTemporaryDir>
+#include <QToolButton>
+#include <QTreeView>
 
 using namespace TestSupport;
 
@@ -102,6 +109,94 @@ class TestTextEditors : public QObject
 
 private slots:
     void initTestCase() { QVERIFY(m_dir.isValid()); }
+
+    // The states editor's library and the snippets: each lands at the cursor
+    // as one undo step, a snippet's CURSOR mark placing the caret.
+    void snippetsAndLibrary()
+    {
+        BF_REQUIRE_SAMPLE();
+        Answers answers;
+        const QString folder = copyFolder(samplePath(QStringLiteral("chars/kfm")), m_dir.filePath(QStringLiteral("lib")));
+        App app = start(m_dir.filePath(QStringLiteral("cfg3")), folder + QStringLiteral("/kfm.def"));
+        app.registry().editorSwitch(4);
+        QTextWorkspace *ws = app.workspace();
+        QVERIFY(ws->sctrlList()->isVisible());
+        QTextDocument *doc = app.view()->document();
+        const QString original = doc->toPlainText();
+
+        const QModelIndexList found = ws->sctrlList()->model()->match(ws->sctrlList()->model()->index(0, 0),
+                                                                      Qt::DisplayRole, QStringLiteral("VarSet"));
+        QCOMPARE(found.size(), 1);
+        ws->sctrlList()->setCurrentIndex(found.first());
+        QVERIFY(ws->textBar()->toPlainText().startsWith(QStringLiteral("[State 0, VarSet]\ntype = VarSet\n")));
+        app.view()->setTextCursor(QTextCursor(doc->findBlockByNumber(3)));
+        ws->insertSCtrl(found.first());
+        QCOMPARE(doc->findBlockByNumber(3).text(), QStringLiteral("[State 0, VarSet]"));
+        app.trigger("edit_undo");
+        QCOMPARE(doc->toPlainText(), original);
+
+        // A new controller, saved into the user's folder, joins the list; deleting asks and removes it.
+        QAskUser::setDialogHandler([](QDialog *dialog) {
+            static_cast<SCtrlEdit *>(dialog)->editor()->setPlainText(QStringLiteral("[State 0, Mine]\ntype = Null\n"));
+            QMetaObject::invokeMethod(dialog->findChild<QObject *>(QStringLiteral("pushButton")), "click");
+            return dialog->result();
+        });
+        QAskUser::setFileHandler([](QAskUser::FileMode, const QString &, const QString &start, const QString &) {
+            return QFileInfo(start).absolutePath() + QStringLiteral("/Mine");
+        });
+        app.trigger("st_sctrl_new");
+        QAskUser::setFileHandler({});
+        QCOMPARE(ws->sctrlList()->currentIndex().data().toString(), QStringLiteral("Mine"));
+        QVERIFY(ws->textBar()->toPlainText().startsWith(QStringLiteral("[State 0, Mine]\ntype = Null")));
+        answers.texts.clear();
+        app.trigger("st_sctrl_delete");
+        QCOMPARE(answers.texts, QStringList(QStringLiteral("Do you really want to delete the state controller?")));
+        QVERIFY(!ws->sctrlList()->model()->match(ws->sctrlList()->model()->index(0, 0), Qt::DisplayRole,
+                                                 QStringLiteral("Mine")).size());
+
+        // A snippet whose fields the dialog asks for.
+        QAskUser::setDialogHandler([](QDialog *dialog) {
+            dialog->findChild<QObject *>(QStringLiteral("COMMAND"))->setProperty("text", QStringLiteral("QCF_x"));
+            dialog->findChild<QSpinBox *>(QStringLiteral("STATENO"))->setValue(1000);
+            return int(QDialog::Accepted);
+        });
+        app.view()->setTextCursor(QTextCursor(doc->findBlockByNumber(3)));
+        ws->snipActivated(int(ws->snippetBox()->findText(QStringLiteral("Command entry"))));
+        QCOMPARE(doc->findBlockByNumber(3).text(), QStringLiteral("[State -1, QCF_x]"));
+        QCOMPARE(doc->findBlockByNumber(4).text(), QStringLiteral("type = ChangeState"));
+        QCOMPARE(doc->findBlockByNumber(5).text(), QStringLiteral("value = 1000"));
+        QCOMPARE(doc->findBlockByNumber(6).text(), QStringLiteral("triggerall = command = \"QCF_x\""));
+        const QTextCursor caret = app.view()->textCursor();
+        QCOMPARE(caret.blockNumber(), 9);
+        QCOMPARE(caret.positionInBlock(), 0);
+        QCOMPARE(doc->findBlockByNumber(8).text(), QStringLiteral("trigger1 = ctrl"));
+        app.trigger("edit_undo");
+        QCOMPARE(doc->toPlainText(), original);
+
+        // The library belongs to the states alone.
+        app.registry().editorSwitch(3);
+        QVERIFY(!ws->sctrlList()->isVisible());
+        QVERIFY(ws->snippetBox()->isVisible());
+
+        const QString shots = qEnvironmentVariable("BF_SCREENSHOT_DIR");
+        if (!shots.isEmpty()) {
+            app.registry().editorSwitch(4);
+            ws->sctrlList()->setCurrentIndex(found.first());
+            ws->snippetBox()->setCurrentIndex(ws->snippetBox()->findText(QStringLiteral("Attack state")));
+            app.view()->gotoLine(120, 0);
+            QTest::qWait(300);
+            QVERIFY(app.root->window()->grab().save(shots + QStringLiteral("/states-library.png")));
+            // The field dialog of a snippet and the controller editor, looked at and cancelled.
+            QAskUser::setDialogHandler([&shots](QDialog *d) {
+                d->show();
+                QTest::qWait(100);
+                d->grab().save(shots + QLatin1Char('/') + d->objectName() + QStringLiteral(".png"));
+                return int(QDialog::Rejected);
+            });
+            ws->snipActivated(int(ws->snippetBox()->findText(QStringLiteral("Attack state"))));
+            app.trigger("st_sctrl_edit");
+        }
+    }
 
     // kfm in the three editors: the status fields, the state tabs, issues
     // walked without wrapping, go to line, comments, edits undone and saved.
@@ -235,7 +330,7 @@ private slots:
         BF_REQUIRE_SAMPLE();
         Answers answers;
         const QString folder = copyFolder(samplePath(QStringLiteral("chars/kfm")), m_dir.filePath(QStringLiteral("find")));
-        App app = start(m_dir.filePath(QStringLiteral("cfg3")), folder + QStringLiteral("/kfm.def"));
+        App app = start(m_dir.filePath(QStringLiteral("cfg-find")), folder + QStringLiteral("/kfm.def"));
         app.registry().editorSwitch(4);
         QTextDocument *doc = app.view()->document();
         QQuickFind *bar = app.root->controller()->quickFind();
@@ -313,6 +408,106 @@ private slots:
             QTest::qWait(300);
             QVERIFY(dialog->grab().save(shots + QStringLiteral("/find-dialog.png")));
         }
+    }
+
+    // The outline beside the states: clicks jump, the selection follows the
+    // cursor, the variable view lists who sets what. Issue lines jump into
+    // the text and animation editors; a new engine version checks the states
+    // again; a file changed by another program is read again when agreed.
+    void outlineJumpsAndOutsideChanges()
+    {
+        BF_REQUIRE_SAMPLE();
+        Answers answers;
+        const QString folder = copyFolder(samplePath(QStringLiteral("chars/kfm")), m_dir.filePath(QStringLiteral("kfm3")));
+        App app = start(m_dir.filePath(QStringLiteral("cfg3")), folder + QStringLiteral("/kfm.def"));
+        QProject *project = app.project();
+        app.registry().editorSwitch(4);
+        auto *states = static_cast<QStatesEditor *>(app.registry().editor(4));
+        QSyntaxTextEditor *cns = project->state(0);
+        auto *h = qobject_cast<QMugenSyntaxHierarchy *>(cns->hierarchy());
+        QTreeView *tree = states->outline();
+        QVERIFY(tree->isVisible());
+        QCOMPARE(tree->model(), h);
+
+        QModelIndex statedef;
+        for (int r = 0; r < h->rowCount() && !statedef.isValid(); ++r)
+            if (h->index(r, 0).data().toString() == QLatin1String("Statedef 200"))
+                statedef = h->index(r, 0);
+        tree->scrollTo(statedef);
+        QTest::mouseClick(tree->viewport(), Qt::LeftButton, {}, tree->visualRect(statedef).center());
+        QCOMPARE(app.line(), 255);
+        app.view()->setTextCursor(QTextCursor(cns->document()->findBlockByNumber(272)));
+        QCOMPARE(tree->currentIndex().data().toString(), QStringLiteral("State 200, 1"));
+        QCOMPARE(tree->currentIndex().parent(), statedef);
+
+        tree->parentWidget()->findChild<QToolButton *>(QStringLiteral("outlineVariables"))->click();
+        QCOMPARE(h->rowCount(), 2);
+        const QModelIndex setter = h->index(0, 0, h->index(2, 0, h->index(0, 0)));
+        QCOMPARE(setter.data().toString(), QStringLiteral("State 810, Holding fwd?"));
+        tree->scrollTo(setter);
+        QTest::mouseClick(tree->viewport(), Qt::LeftButton, {}, tree->visualRect(setter).center());
+        QCOMPARE(app.line(), 930);
+        tree->parentWidget()->findChild<QToolButton *>(QStringLiteral("outlineSections"))->click();
+        QCOMPARE(h->view(), int(QMugenSyntaxHierarchy::SectionsView));
+
+        // A trigger of engine 1.1 in a character for 1.0 is an issue, until the DEF says 1.1.
+        const int issues = app.workspace()->issueBox()->count();
+        QTextCursor(cns->document()->findBlockByNumber(272)).insertText(QStringLiteral("trigger2 = topedge\n"));
+        QTRY_COMPARE(app.workspace()->issueBox()->count(), issues + 1);
+        const QString shots = qEnvironmentVariable("BF_SCREENSHOT_DIR");
+        if (!shots.isEmpty()) {
+            app.view()->gotoLine(266, 0);
+            app.view()->setTextCursor(QTextCursor(cns->document()->findBlockByNumber(272)));
+            tree->collapseAll();
+            tree->scrollTo(tree->currentIndex());
+            QComboBox *box = app.workspace()->issueBox();
+            for (int i = 0; i < box->count(); ++i)
+                if (box->itemData(i).toPoint().x() == 272)
+                    box->setCurrentIndex(i);
+            QTest::qWait(300);
+            QVERIFY(app.root->window()->grab().save(shots + QStringLiteral("/states-outline.png")));
+        }
+        QTextDocument *def = project->definitions()->document();
+        QTextCursor version = def->find(QStringLiteral("mugenversion = 1.0"));
+        version.insertText(QStringLiteral("mugenversion = 1.1"));
+        QTRY_COMPARE(project->version(), 0x01010000u);
+        QTRY_COMPARE(app.workspace()->issueBox()->count(), issues);
+
+        // Issue lines of the states and the animations land on their line.
+        QMessages *messages = project->messages();
+        messages->addWarning(QStringLiteral("kfm.cns(931): one"));
+        messages->addWarning(QStringLiteral("kfm.air(25): two"));
+        auto *list = app.root->controller()->issuesDialog()->findChild<QListView *>();
+        app.registry().editorSwitch(0);
+        for (int back : {2, 1}) {
+            const QModelIndex row = list->model()->index(list->model()->rowCount() - back, 0);
+            emit list->doubleClicked(row);
+        }
+        QCOMPARE(app.registry().currentEditorId(), 2);
+        QCOMPARE(static_cast<QAnimationsEditor *>(app.registry().editor(2))->currentAction(), 1);
+        app.registry().editorSwitch(4);
+        QCOMPARE(app.line(), 930);
+
+        // Another program writes the commands: asked first, then read again, unmodified.
+        app.root->controller()->objects().config->set(QStringLiteral("enable_file_watcher"), true);
+        QSyntaxTextEditor *cmd = project->commands();
+        QTextCursor(cmd->document()).insertText(QStringLiteral("; mine\n"));
+        answers.texts.clear();
+        const QString cmdFile = folder + QStringLiteral("/kfm.cmd");
+        QVERIFY(writeAll(cmdFile, readAll(cmdFile) + "; outside\r\n"));
+        QTRY_COMPARE(answers.texts.size(), 1);
+        QVERIFY(answers.texts.at(0).startsWith(QStringLiteral("The file '")));
+        QVERIFY(!cmd->isModified());
+        QVERIFY(cmd->text().endsWith(QStringLiteral("; outside\n")) && !cmd->text().startsWith(QStringLiteral("; mine")));
+        // The program's own save asks nothing, and the file stays watched.
+        QTextCursor(cmd->document()).insertText(QStringLiteral("; mine\n"));
+        app.registry().editorSwitch(3);
+        app.registry().editor(3)->save();
+        QTest::qWait(500);
+        QCOMPARE(answers.texts.size(), 1);
+        QVERIFY(writeAll(cmdFile, readAll(cmdFile) + "; again\r\n"));
+        QTRY_COMPARE(answers.texts.size(), 2);
+        QVERIFY(cmd->text().startsWith(QStringLiteral("; mine\n")) && cmd->text().endsWith(QStringLiteral("; again\n")));
     }
 
     // Every text document of the sample characters, shown in its editor and

@@ -306,6 +306,25 @@ private slots:
         }
         QVERIFY(files >= 8);
     }
+
+    // The shipped controller library: one template per controller of the
+    // syntax, each checking clean inside a state.
+    void shippedControllersCheckClean()
+    {
+        QSet<QString> missing;
+        for (const SyntaxController *c : syntax().stateControllers)
+            missing.insert(c->name.toLower());
+        QDirIterator it(QCoreApplication::applicationDirPath() + QStringLiteral("/sctrls"), {QStringLiteral("*.sctrl")});
+        while (it.hasNext()) {
+            const QString path = it.next();
+            const QString text = QString::fromUtf8(TestSupport::readAll(path));
+            const QStringList errors = issues(check(QStringLiteral("[Statedef 200]\n") + text), BlockIssue::Error);
+            QVERIFY2(errors.isEmpty(), qPrintable(path + QLatin1String(": ") + errors.join(QLatin1String(" | "))));
+            QVERIFY2(text.contains(QLatin1String("type = ") + it.fileInfo().completeBaseName()), qPrintable(path));
+            missing.remove(it.fileInfo().completeBaseName().toLower());
+        }
+        QVERIFY2(missing.isEmpty(), qPrintable(QStringList(missing.values()).join(QLatin1Char(' '))));
+    }
 };
 
 QTEST_MAIN(TestSyntaxChecker)

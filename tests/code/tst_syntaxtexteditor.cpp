@@ -295,6 +295,74 @@ private slots:
         off.updateHierarchy();
         QCOMPARE(offSpy.count(), 0);
     }
+
+    // The variable view: which states set which var and fvar, and view
+    // switches and rebuilds told to views as row removals and insertions.
+    void variableOutline()
+    {
+        QMugenSyntaxHierarchy h;
+        QCOMPARE(h.rowCount(), 0);
+        h.update(QStringLiteral(
+            "[Statedef 200]\n[State 200, a]\ntype = VarSet\ntrigger1 = 1\nv = 3\nvalue = 2\n"
+            "[Statedef 200]\n[State 200, b]\ntrigger1 = Var(5) := 1 ; var(7) := 1\ntrigger2 = sysvar(1) := 1\n"
+            "type = Null\ntrigger3 = var(5) := 2\n"
+            "[State 200, c]\ntype = VarRangeSet\ntrigger1 = 1\nfirst = 10\nlast = 5\nvalue = 0\n"
+            "[State 200, d]\ntype = VarRangeSet\ntrigger1 = 1\nfirst = 38\nfvalue = 0\n"
+            "[State 200, e]\ntrigger1 = 1\nfvar(2) = 1\nvar(60) = 1\ntype = VarAdd\n"
+            "[State 200, f]\ntype = ParentVarSet\ntrigger1 = 1\nfv = 39\nvalue = 1\n"));
+        // Both statedefs of one number, each with its states.
+        QCOMPARE(h.rowCount(), 2);
+        QCOMPARE(h.data(h.index(0, 0)).toString(), QStringLiteral("Statedef 200"));
+        QCOMPARE(h.data(h.index(1, 0)).toString(), QStringLiteral("Statedef 200"));
+        QCOMPARE(h.rowCount(h.index(0, 0)), 1);
+        QCOMPARE(h.rowCount(h.index(1, 0)), 5);
+        const int pooled = h.pooledNodes();
+
+        QSignalSpy removed(&h, &QAbstractItemModel::rowsRemoved);
+        QSignalSpy inserted(&h, &QAbstractItemModel::rowsInserted);
+        h.setView(QMugenSyntaxHierarchy::VariablesView);
+        QCOMPARE(removed.count(), 1);
+        QCOMPARE(inserted.count(), 1);
+        h.setView(QMugenSyntaxHierarchy::VariablesView);
+        QCOMPARE(inserted.count(), 1);
+        QCOMPARE(h.rowCount(), 2);
+        QCOMPARE(h.data(h.index(0, 0)).toString(), QStringLiteral("Integer"));
+        const QModelIndex ints = h.index(0, 0), floats = h.index(1, 0);
+        QCOMPARE(h.rowCount(ints), 60);
+        QCOMPARE(h.rowCount(floats), 40);
+        QCOMPARE(h.data(h.index(59, 0, ints)).toString(), QStringLiteral("59"));
+        const auto users = [&h](const QModelIndex &group, int n) {
+            QStringList out;
+            const QModelIndex var = h.index(n, 0, group);
+            for (int r = 0; r < h.rowCount(var); ++r)
+                out << h.data(h.index(r, 0, var)).toString() + QLatin1Char('@')
+                           + QString::number(h.lineOf(h.index(r, 0, var)));
+            return out;
+        };
+        QCOMPARE(users(ints, 3), QStringList(QStringLiteral("State 200, a@4")));
+        // Once per state, at the first assignment; comments and sysvar don't count.
+        QCOMPARE(users(ints, 5), QStringList(QStringLiteral("State 200, b@8")));
+        QVERIFY(users(ints, 7).isEmpty());
+        QVERIFY(users(ints, 1).isEmpty());
+        // first 10, last 5 is no range; ranges and named parameters reach the end of each group.
+        for (int n = 5; n <= 10; ++n)
+            QCOMPARE(users(ints, n).size(), n == 5 ? 1 : 0);
+        QCOMPARE(users(floats, 38), QStringList(QStringLiteral("State 200, d@19")));
+        QCOMPARE(users(floats, 39), (QStringList{QStringLiteral("State 200, d@19"), QStringLiteral("State 200, f@31")}));
+        QCOMPARE(users(floats, 2), QStringList(QStringLiteral("State 200, e@25")));
+        QCOMPARE(h.lineOf(h.index(3, 0, ints)), -1);
+        QVERIFY(!h.nodeAtLine(9).isValid());
+
+        // A rebuild reuses its nodes and shows the same view.
+        removed.clear();
+        h.update(QString());
+        QCOMPARE(removed.count(), 1);
+        QCOMPARE(h.rowCount(), 2);
+        QCOMPARE(h.rowCount(h.index(3, 0, h.index(0, 0))), 0);
+        QCOMPARE(h.pooledNodes(), pooled);
+        h.setView(QMugenSyntaxHierarchy::SectionsView);
+        QCOMPARE(h.rowCount(), 0);
+    }
 };
 
 QTEST_GUILESS_MAIN(TestSyntaxTextEditor)

@@ -297,24 +297,25 @@ private slots:
         QCOMPARE(p.state(0)->engineVersion(), 0x01000000u);
         QVERIFY(!p.state(0)->isModified());
 
-        // Palettes: found files take 1, 2, 3 in order; the unreadable one keeps its number.
+        // Palettes: palN is 1,N whatever is missing or unreadable before it.
         const QPaletteList &pals = p.sprites()->palettes();
         QCOMPARE(pals.count(), 2);
         QVERIFY(pals.find(0, 1, 1) >= 0);
-        QCOMPARE(pals.find(0, 1, 2), -1);
-        const int third = pals.find(0, 1, 3);
-        QVERIFY(third >= 0);
-        QCOMPARE(QPaletteFile::actBytes(*pals.colors(third)), act(4));
+        QVERIFY(pals.find(0, 1, 2) < 0 && pals.find(0, 1, 3) < 0);
+        const int fourth = pals.find(0, 1, 4);
+        QVERIFY(fourth >= 0);
+        QCOMPARE(QPaletteFile::actBytes(*pals.colors(fourth)), act(4));
 
-        // Missing pieces are information, naming the file and the DEF line; the
-        // unreadable palette is an error in the "file(line): text" form.
+        // Missing pieces are information, naming the file and the DEF line, but a
+        // missing palette is a warning; the unreadable one is an error in the
+        // "file(line): text" form.
         QVERIFY(hasMessage(p, QMessages::Information, QStringLiteral("common1.cns")));
         QVERIFY(hasMessage(p, QMessages::Information, QStringLiteral("hero.def(12): Not found: common1.cns")));
-        QVERIFY(hasMessage(p, QMessages::Information, QStringLiteral("missing.act")));
+        QVERIFY(hasMessage(p, QMessages::Warning, QStringLiteral("missing.act")));
         QVERIFY(hasMessage(p, QMessages::Information, QStringLiteral("hero.sff")));
         QVERIFY(hasMessage(p, QMessages::Error, QStringLiteral("broken.act(1): ")));
         QVERIFY(hasMessage(p, QMessages::Information, QStringLiteral("Open project - ") + def));
-        QCOMPARE(p.messages()->issueCount(), 1);
+        QCOMPARE(p.messages()->issueCount(), 2);
         QCOMPARE(p.defFiles().sprite, QStringLiteral("hero.sff"));
 
         // The backup holds the DEF and every file found, under their own names.

@@ -30,7 +30,7 @@ class WatchedDoc : public QFileWatchObject
 public:
     QString path;
     QString fileName() const override { return path; }
-    void reload(const QString &) override {}
+    bool reload(const QString &) override { return true; }
 };
 
 } // namespace
@@ -201,7 +201,15 @@ private slots:
         QSignalSpy changed(&watcher, &QFileWatcherManager::fileChanged);
         QVERIFY(TestSupport::writeAll(watchedPath, "[Info]\nname=x"));
         QTRY_COMPARE(changed.count(), 1);
+        QCOMPARE(changed.at(0).at(0).toString(), watchedPath);
+        // Two documents on one file share its watch; it goes with the last.
+        WatchedDoc twin;
+        twin.path = watchedPath;
+        watcher.watch(&twin);
         watcher.unwatch(&doc);
+        QVERIFY(watcher.isWatched(watchedPath));
+        watcher.unwatch(&twin);
+        QVERIFY(!watcher.isWatched(watchedPath));
         QCOMPARE(watcher.watchedCount(), 0);
     }
 

@@ -17,6 +17,7 @@ struct AskRecorder
     QStringList titles;
     QStringList texts;
     QStringList files; // handed out in order by file dialogs, then empty names
+    QStringList dialogs; // object names of the dialogs shown
     QMessageBox::StandardButton answer = QMessageBox::Yes;
     std::function<int(QDialog *)> onDialog;
     std::function<void(QDialog *)> fill; // fills a dialog in before it is accepted
@@ -35,6 +36,7 @@ struct AskRecorder
         });
         m_dialogs = QAskUser::setDialogHandler(
             [this](QDialog *dialog) {
+                dialogs << dialog->objectName();
                 if (onDialog)
                     return onDialog(dialog);
                 if (fill)
@@ -65,6 +67,7 @@ struct AskRecorder
         titles.clear();
         texts.clear();
         files.clear();
+        dialogs.clear();
         answer = QMessageBox::Yes;
         onDialog = nullptr;
         fill = nullptr;

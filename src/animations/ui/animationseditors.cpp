@@ -4,6 +4,9 @@
 #include "qanimspriteworkspace.h"
 #include "shell/qeditorregistry.h"
 #include "shell/qwindowlayout.h"
+#include "project/qproject.h"
+
+#include <QFileInfo>
 
 #include <QMainWindow>
 #include <QMenu>
@@ -21,4 +24,19 @@ void registerAnimationEditors(QEditorRegistry &registry, const QAppObjects &obje
     auto editor = std::make_unique<QAnimationsEditor>(objects, &registry, std::move(textViews));
     editor->setOpenProjects(std::move(openProjects));
     registry.addEditor(std::move(editor));
+}
+
+bool showAnimationLine(QEditorRegistry &registry, QProject *project, const QString &file, uint line)
+{
+    auto *editor = qobject_cast<QAnimationsEditor *>(registry.editor(2));
+    if (!project || !editor || file.isEmpty())
+        return false;
+    const QString name = QFileInfo(file).fileName();
+    const QString def = project->definitions()->fileName();
+    if (!def.isEmpty() && QFileInfo(def).fileName().compare(name, Qt::CaseInsensitive) == 0)
+        return false;
+    if (project->animations()->fileName().compare(name, Qt::CaseInsensitive) != 0)
+        return false;
+    registry.editorSwitch(2);
+    return editor->showLine(line);
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QList>
+#include <QString>
 
 #include <functional>
 
@@ -18,3 +19,9 @@ struct QAppObjects;
 void registerAnimationEditors(QEditorRegistry &registry, const QAppObjects &objects,
                               std::function<QPlainTextEdit *(QWidget *)> textViews = {},
                               std::function<QList<QProject *>()> openProjects = {});
+
+// Shows the action at line `line` (0-based) of the project's animation file
+// named `file` in the animations editor: the jump of an issue line. False
+// when the project's animations don't come from that file, or the file is
+// the DEF, whose lines the definitions editor shows.
+bool showAnimationLine(QEditorRegistry &registry, QProject *project, const QString &file, uint line);

@@ -553,6 +553,28 @@ void QAnimationsEditor::setFrameControlsEnabled(bool on)
         m_registry->setControlEnabled(name, on);
 }
 
+bool QAnimationsEditor::showLine(uint line)
+{
+    const QAnimations *s = store();
+    if (!s || s->count() == 0)
+        return false;
+    // The last action that begins at or before the line; lines before the
+    // first action belong to it.
+    int row = 0;
+    for (int i = 0; i < s->count(); ++i)
+        if (s->action(i)->firstLine >= 0 && uint(s->action(i)->firstLine) <= line)
+            row = i;
+    int frame = 0;
+    const AnimAction *a = s->action(row);
+    for (int f = 0; f < a->frames.size(); ++f) {
+        const qint32 first = a->frames.at(f)->lines[AnimFrame::FirstLine];
+        if (first >= 0 && uint(first) <= line)
+            frame = f;
+    }
+    showAction(row, frame);
+    return true;
+}
+
 void QAnimationsEditor::showAction(int row, int frame)
 {
     QAnimations *s = store();

@@ -76,6 +76,9 @@ public:
     // The projects open at the moment, for the import of actions.
     void setOpenProjects(std::function<QList<QProject *>()> projects) { m_openProjects = std::move(projects); }
     QAction *action(const QString &key) const;
+    // Shows the action and frame written at `line` (0-based) of the animation
+    // text: the jump of an issue line. False when there is no action.
+    bool showLine(uint line);
 
     // The Alignment tool's modes.
     enum AlignMode { AlignOffset = 0, AlignClsnOffset, AlignClsnTopLeft, AlignClsnBottomRight, AlignClsnScale };

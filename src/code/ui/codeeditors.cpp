@@ -10,12 +10,17 @@
 #include "shell/qinterfacecontrolaction.h"
 #include "shell/qinterfaceeditor.h"
 #include "project/qproject.h"
+#include "base/qmugenmodel.h"
+#include "shell/qappobjects.h"
+
+#include <QListView>
 
 #include <QFileInfo>
 
 #include <memory>
 
-void registerCodeEditors(QEditorRegistry &registry, const QAppObjects &objects)
+void registerCodeEditors(QEditorRegistry &registry, const QAppObjects &objects,
+                         const std::function<QList<QProject *>()> &projects)
 {
     auto workspace = std::make_unique<QTextWorkspace>(objects);
     QTextWorkspace *ws = workspace.get();
@@ -43,6 +48,36 @@ void registerCodeEditors(QEditorRegistry &registry, const QAppObjects &objects)
     for (const Command &c : commands)
         actions << registry.actionManager().addAction({0, 3, 4, -1}, QString::fromLatin1(c.key), c.caption, false,
                                                       ws, c.slot);
+
+    // Snippets for every text editor; the controller library for the states.
+    QActionManager &am = registry.actionManager();
+    actions << am.addAction({0, 3, 4, -1}, QStringLiteral("code_snippet_insert"), 315, false, ws, SLOT(snipInsert()));
+    QList<QAction *> library;
+    library << am.addAction({4, -1}, QStringLiteral("st_sctrl_new"), 210, false, ws, SLOT(sCtrlNew()))
+            << am.addAction({4, -1}, QStringLiteral("st_sctrl_edit"), 211, false, ws, SLOT(sCtrlEdit()))
+            << am.addAction({4, -1}, QStringLiteral("st_sctrl_delete"), 212, false, ws, SLOT(sCtrlDel()));
+    const bool showList = objects.config ? objects.config->flag(QStringLiteral("show_sctrl_list"), true) : true;
+    const bool showBar = objects.config ? objects.config->flag(QStringLiteral("show_text_bar"), true) : true;
+    am.addAction({4, -1}, QStringLiteral("view_sctrl_list"), 25, true, ws, SLOT(showSctrlListTextBar(bool)))
+        ->setChecked(showList);
+    QAction *textBar = am.addAction({4, -1}, QStringLiteral("view_text_bar"), 26, true, ws, SLOT(showTextBar(bool)));
+    textBar->setChecked(showBar);
+    auto *separator = new QAction(ws->sctrlList());
+    separator->setSeparator(true);
+    library << separator << textBar;
+    ws->sctrlList()->addActions(library);
+    ws->sctrlList()->setContextMenuPolicy(Qt::ActionsContextMenu);
+    if (projects) {
+        ws->setDocumentSource([projects] {
+            QList<QSyntaxTextEditor *> docs;
+            for (QProject *p : projects()) {
+                docs << p->definitions() << p->commands();
+                for (int i = 0; i < p->statesCount(); ++i)
+                    docs << p->state(i);
+            }
+            return docs;
+        });
+    }
     ws->setContextActions(actions);
 
     // Each text editor's own new, open, save and save as, for the action

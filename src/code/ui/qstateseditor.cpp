@@ -4,9 +4,13 @@
 #include "project/qproject.h"
 #include "qtextworkspace.h"
 
+#include <QButtonGroup>
 #include <QDir>
 #include <QFileInfo>
+#include <QHBoxLayout>
 #include <QTabBar>
+#include <QToolButton>
+#include <QVBoxLayout>
 
 #include <algorithm>
 
@@ -31,6 +35,8 @@ void QStatesEditor::activate(bool reload)
         fillTabs();
         tabs->show();
     }
+    if (m_workspace)
+        m_workspace->setSCtrlPanelAllowed(true);
     QTextDocumentEditor::activate(reload);
 }
 
@@ -40,6 +46,7 @@ void QStatesEditor::deactivate()
         QTabBar *tabs = m_workspace->tabBar();
         disconnect(tabs, &QTabBar::currentChanged, this, &QStatesEditor::tabChanged);
         tabs->hide();
+        m_workspace->setSCtrlPanelAllowed(false);
     }
     QTextDocumentEditor::deactivate();
 }
@@ -129,4 +136,36 @@ void QStatesEditor::saveAs()
     doc->setObjectName(QFileInfo(file).fileName());
     if (m_active)
         fillTabs();
+}
+
+void QStatesEditor::addOutlineControls(QVBoxLayout *panel)
+{
+    auto *row = new QHBoxLayout;
+    row->setSpacing(0);
+    auto *group = new QButtonGroup(panel);
+    for (QToolButton **button : {&m_sectionsButton, &m_variablesButton}) {
+        *button = new QToolButton;
+        (*button)->setCheckable(true);
+        (*button)->setAutoRaise(true);
+        (*button)->setToolButtonStyle(Qt::ToolButtonTextOnly);
+        (*button)->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+        group->addButton(*button);
+        row->addWidget(*button);
+    }
+    m_sectionsButton->setObjectName(QStringLiteral("outlineSections"));
+    m_sectionsButton->setText(tr("Sections"));
+    m_sectionsButton->setToolTip(tr("The statedefs and their states"));
+    m_sectionsButton->setChecked(true);
+    m_variablesButton->setObjectName(QStringLiteral("outlineVariables"));
+    m_variablesButton->setText(tr("Variables"));
+    m_variablesButton->setToolTip(tr("The states that set each var and fvar"));
+    connect(m_variablesButton, &QToolButton::toggled, this, &QStatesEditor::varList);
+    panel->addLayout(row);
+}
+
+void QStatesEditor::varList(bool on)
+{
+    setOutlineView(on ? 1 : 2);
+    if (m_variablesButton && m_variablesButton->isChecked() != on)
+        (on ? m_variablesButton : m_sectionsButton)->setChecked(true);
 }

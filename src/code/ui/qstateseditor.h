@@ -2,6 +2,8 @@
 
 #include "qtextdocumenteditor.h"
 
+class QToolButton;
+
 // The editor of the state files (CNS and ST), one tab each, named "States %1"
 // after the file. New and open add a tab; save and save as act on the
 // current one.
@@ -40,10 +42,17 @@ public slots:
     void open() override;
     void saveAs() override;
     void tabChanged(int index);
+    // The outline lists the variables the states set instead of the sections.
+    void varList(bool on);
+
+protected:
+    void addOutlineControls(QVBoxLayout *panel) override;
 
 private:
     void fillTabs();
 
     int m_current = -1;
     bool m_filling = false;
+    QToolButton *m_sectionsButton = nullptr;
+    QToolButton *m_variablesButton = nullptr;
 };

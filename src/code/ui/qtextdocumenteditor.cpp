@@ -1,6 +1,7 @@
 #include "qtextdocumenteditor.h"
 
 #include "base/qmugenmodel.h"
+#include "code/qsyntaxhierarchy.h"
 #include "code/qsyntaxtexteditor.h"
 #include "code/qtexteditorblockdata.h"
 #include "project/qproject.h"
@@ -14,7 +15,10 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <QHeaderView>
 #include <QTextDocument>
+#include <QTreeView>
+#include <QVBoxLayout>
 
 #include <algorithm>
 
@@ -66,6 +70,9 @@ void QTextDocumentEditor::detachDocument()
         disconnect(c);
     m_connections.clear();
     m_shown = nullptr;
+    if (m_outline)
+        m_outline->setModel(nullptr);
+    m_expanded.clear();
 }
 
 void QTextDocumentEditor::showCurrent()
@@ -78,7 +85,9 @@ void QTextDocumentEditor::showCurrent()
     m_workspace->showDocument(doc);
     QTextEditor *view = m_workspace->editor();
     m_connections << connect(view, &QTextEditor::cursorChanged, this, &QTextDocumentEditor::refreshStatus)
-                  << connect(m_workspace, &QTextWorkspace::issuesUpdated, this, &QTextDocumentEditor::refreshStatus);
+                  << connect(m_workspace, &QTextWorkspace::issuesUpdated, this, &QTextDocumentEditor::refreshStatus)
+                  << connect(view, &QTextEditor::currentLineChanged, this, &QTextDocumentEditor::currLineChanged);
+    showOutline(doc);
     if (doc) {
         m_connections << connect(doc->document(), &QTextDocument::modificationChanged, this,
                                  &QInterfaceEditor::modifiedChanged)
@@ -257,4 +266,153 @@ void QTextDocumentEditor::saveAs()
     const QString file = askSave(saveAsCaption(), QProject::fileFilter(fileKind()), doc->fileName());
     if (!file.isEmpty())
         saveTo(doc, file);
+}
+
+// ---------------------------------------------------------------- outline
+
+void QTextDocumentEditor::setupPanel()
+{
+    QWidget *page = m_registry.editorPanel(tag());
+    if (!page || m_outline)
+        return;
+    // The preset places its buttons on the page by position; the outline
+    // takes the room below them (see fitOutline()).
+    auto *pageLayout = new QVBoxLayout(page);
+    pageLayout->setContentsMargins(2, 2, 2, 2);
+    m_outlinePane = new QWidget(page);
+    m_outlinePane->setObjectName(QStringLiteral("outlinePane"));
+    pageLayout->addWidget(m_outlinePane);
+    auto *layout = new QVBoxLayout(m_outlinePane);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(2);
+    addOutlineControls(layout);
+    m_outline = new QTreeView(m_outlinePane);
+    m_outline->setObjectName(QStringLiteral("outline"));
+    m_outline->setHeaderHidden(true);
+    m_outline->setUniformRowHeights(true);
+    m_outline->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    m_outline->setExpandsOnDoubleClick(false);
+    layout->addWidget(m_outline, 1);
+    connect(m_outline, &QTreeView::clicked, this, &QTextDocumentEditor::viewSelItem);
+    connect(m_outline, &QTreeView::activated, this, &QTextDocumentEditor::viewSelItem);
+}
+
+void QTextDocumentEditor::fitOutline()
+{
+    QWidget *page = m_outlinePane ? m_outlinePane->parentWidget() : nullptr;
+    if (!page || !page->layout())
+        return;
+    int top = 2;
+    for (QObject *child : page->children()) {
+        auto *w = qobject_cast<QWidget *>(child);
+        if (w && w != m_outlinePane && !w->isHidden() && !w->isWindow())
+            top = qMax(top, w->geometry().bottom() + 6);
+    }
+    page->layout()->setContentsMargins(2, top, 2, 2);
+}
+
+void QTextDocumentEditor::showOutline(QSyntaxTextEditor *doc)
+{
+    if (!m_outline)
+        return;
+    fitOutline();
+    QSyntaxHierarchy *model = doc ? doc->hierarchy() : nullptr;
+    if (model)
+        model->setView(uint(m_outlineView));
+    // Each model gets a selection model of its own; the old one would linger.
+    QItemSelectionModel *oldSelection = m_outline->selectionModel();
+    m_outline->setModel(model);
+    if (oldSelection && oldSelection != m_outline->selectionModel())
+        oldSelection->deleteLater();
+    m_expanded.clear();
+    if (!doc || !model)
+        return;
+    m_connections << connect(doc, &QSyntaxTextEditor::hierarchyUpdated, this, &QTextDocumentEditor::updated)
+                  << connect(model, &QAbstractItemModel::rowsAboutToBeRemoved, this,
+                             [this](const QModelIndex &parent) {
+                                 if (!parent.isValid())
+                                     rememberExpanded();
+                             });
+    currLineChanged(m_workspace->editor()->textCursor().blockNumber());
+}
+
+void QTextDocumentEditor::setOutlineView(int view)
+{
+    if (view == m_outlineView || (view != 1 && view != 2))
+        return;
+    m_outlineView = view;
+    if (m_shown && m_shown->hierarchy()) {
+        m_shown->hierarchy()->setView(uint(view));
+        currLineChanged(m_workspace->editor()->textCursor().blockNumber());
+    }
+}
+
+void QTextDocumentEditor::rememberExpanded()
+{
+    m_expanded.clear();
+    const QAbstractItemModel *model = m_outline ? m_outline->model() : nullptr;
+    if (!model)
+        return;
+    // Two levels hold every row that has children.
+    for (int r = 0; r < model->rowCount(); ++r) {
+        const QModelIndex top = model->index(r, 0);
+        if (!m_outline->isExpanded(top))
+            continue;
+        const QString title = top.data().toString();
+        m_expanded << title;
+        for (int c = 0; c < model->rowCount(top); ++c) {
+            const QModelIndex child = model->index(c, 0, top);
+            if (m_outline->isExpanded(child))
+                m_expanded << title + QLatin1Char('/') + child.data().toString();
+        }
+    }
+}
+
+void QTextDocumentEditor::updated()
+{
+    const QAbstractItemModel *model = m_outline ? m_outline->model() : nullptr;
+    if (!model)
+        return;
+    if (!m_expanded.isEmpty()) {
+        for (int r = 0; r < model->rowCount(); ++r) {
+            const QModelIndex top = model->index(r, 0);
+            const QString title = top.data().toString();
+            if (!m_expanded.contains(title))
+                continue;
+            m_outline->expand(top);
+            for (int c = 0; c < model->rowCount(top); ++c) {
+                const QModelIndex child = model->index(c, 0, top);
+                if (m_expanded.contains(title + QLatin1Char('/') + child.data().toString()))
+                    m_outline->expand(child);
+            }
+        }
+    }
+    currLineChanged(m_workspace->editor()->textCursor().blockNumber());
+}
+
+void QTextDocumentEditor::currLineChanged(int line)
+{
+    auto *model = m_outline ? qobject_cast<QSyntaxHierarchy *>(m_outline->model()) : nullptr;
+    if (!model || line < 0)
+        return;
+    const QModelIndex node = model->nodeAtLine(uint(line));
+    if (!node.isValid()) {
+        if (model->view() != 1)
+            m_outline->clearSelection();
+        return;
+    }
+    if (m_config && m_config->flag(QStringLiteral("auto_expand_tree"), false)) {
+        m_outline->collapseAll();
+        m_outline->expand(node);
+    }
+    m_outline->setCurrentIndex(node);
+    m_outline->scrollTo(node);
+}
+
+void QTextDocumentEditor::viewSelItem(const QModelIndex &index)
+{
+    const int line = index.isValid() ? index.data(QSyntaxHierarchy::LineRole).toInt() : -1;
+    if (!m_shown || line < 0 || !m_workspace)
+        return;
+    m_workspace->editor()->gotoLine(uint(line), 0);
 }

@@ -12,6 +12,8 @@ class QEditorRegistry;
 class QMugenModel;
 class QSyntaxTextEditor;
 class QTextWorkspace;
+class QTreeView;
+class QVBoxLayout;
 class QWidget;
 struct QAppObjects;
 
@@ -53,6 +55,13 @@ public:
     bool isModified() const override;
     QTextWorkspace *workspace() const { return m_workspace; }
 
+    // The outline of the shown document, in the editor's side panel.
+    void setupPanel() override;
+    QTreeView *outline() const { return m_outline; }
+    // Sections (2) or variables (1), for every document the editor shows.
+    int outlineView() const { return m_outlineView; }
+    void setOutlineView(int view);
+
 public slots:
     // One document: start it afresh, load another file into it, save it.
     void clear() override;
@@ -68,8 +77,15 @@ public slots:
     void find(const QString &text, const QQuickFindOptions &options) override;
     void replace(const QString &text, const QString &with, const QQuickFindOptions &options, bool all) override;
     void refreshStatus();
+    // A click on an outline node shows its line at the top of the text.
+    void viewSelItem(const QModelIndex &index);
+    // The outline's selection follows the cursor's section.
+    void currLineChanged(int line);
+    void updated();
 
 protected:
+    // Room for controls above the outline; the states editor puts its view switch there.
+    virtual void addOutlineControls(QVBoxLayout *panel) { Q_UNUSED(panel); }
     // Shows document() and follows its changes; call when it changes.
     void showCurrent();
     // The error line of the status; the commands editor adds to it.
@@ -89,7 +105,16 @@ protected:
 
 private:
     void detachDocument();
+    void showOutline(QSyntaxTextEditor *doc);
+    // Keeps the outline below the buttons the preset puts on the panel.
+    void fitOutline();
+    void rememberExpanded();
 
     QPointer<QSyntaxTextEditor> m_shown;
     QList<QMetaObject::Connection> m_connections;
+    QWidget *m_outlinePane = nullptr;
+    QTreeView *m_outline = nullptr;
+    int m_outlineView = 2;
+    // Titles of the expanded outline rows ("parent/child"), put back after each rebuild.
+    QStringList m_expanded;
 };

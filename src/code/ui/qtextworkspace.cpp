@@ -9,6 +9,7 @@
 #include "qtexteditor.h"
 #include "shell/qappobjects.h"
 #include "shell/qaskuser.h"
+#include "shell/qcolorsetmanager.h"
 
 #include <QComboBox>
 #include <QDialog>
@@ -86,6 +87,8 @@ QTextWorkspace::QTextWorkspace(const QAppObjects &objects, QObject *parent)
     connect(&m_issueTimer, &QTimer::timeout, this, &QTextWorkspace::updateErrorList);
     connect(m_issues, qOverload<int>(&QComboBox::activated), this, &QTextWorkspace::errorActivated);
     connect(m_editor, &QWidget::customContextMenuRequested, this, &QTextWorkspace::showContextMenu);
+    // Snippet combo and state-controller library around the editor.
+    buildLibrary(objects);
 }
 
 QTextWorkspace::~QTextWorkspace()
@@ -111,7 +114,35 @@ void QTextWorkspace::applyConfig()
     m_editor->setHighlightBlocks(m_config->flag(QStringLiteral("code_highlight_blocks"), false));
     m_editor->setFoldingVisible(m_config->flag(QStringLiteral("code_folding_markers"), true));
     m_editor->setParenMatching(m_config->flag(QStringLiteral("code_paren_matching"), true));
+    // The shared font and colours, then every open document painted again.
+    QMap<QString, QColor> editorColors;
+    bool changed = false;
+    if (m_colorsets && m_formats) {
+        QMap<QString, SyntaxFormats::Record> roles;
+        for (int i = 0; i < SyntaxFormats::Count; ++i) {
+            const QString role = SyntaxFormats::roleName(i);
+            const SyntaxFormats::Record current = m_formats->format(i);
+            const QColorsetManager::Entry e = m_colorsets->colors().value(role, {current.color, current.bold, current.italic});
+            roles.insert(role, {e.color, e.bold, e.italic});
+        }
+        changed = m_formats->applyColors(roles);
+        for (const char *key : {"line", "block_range", "paren", "paren_range"})
+            if (m_colorsets->colors().contains(QString::fromLatin1(key)))
+                editorColors.insert(QString::fromLatin1(key), m_colorsets->color(QString::fromLatin1(key)).color);
+    }
+    if (m_formats && m_formats->font() != font) {
+        m_formats->setFont(font, true);
+        changed = true;
+    }
+    if (!editorColors.isEmpty())
+        m_editor->setColors(editorColors);
+    if (m_textBar)
+        m_textBar->setFont(font);
     m_editor->refreshHighlightOptions();
+    if (changed)
+        rehighlightAll(m_editor->window());
+    showSctrlListTextBar(m_config->flag(QStringLiteral("show_sctrl_list"), true));
+    showTextBar(m_config->flag(QStringLiteral("show_text_bar"), true));
 }
 
 void QTextWorkspace::savePosition()

@@ -4,12 +4,22 @@
 #include "code/ui/qtexteditor.h"
 #include "shell/qinterfaceworkspace.h"
 
+#include <QListView>
+#include <QPlainTextEdit>
 #include <QPointer>
 #include <QTimer>
+
+#include <functional>
 
 class QAction;
 class QComboBox;
 class QMugenModel;
+class QSCtrlManager;
+class QSnippetManager;
+class QSplitter;
+class QColorsetManager;
+class SyntaxFormats;
+class QMugenSyntaxProperties;
 class QTabBar;
 class QTextDocument;
 struct QAppObjects;
@@ -45,6 +55,18 @@ public:
     // The commands the editor's context menu offers after the standard ones.
     void setContextActions(const QList<QAction *> &actions) { m_contextActions = actions; }
 
+    // Snippets and the state-controller library (qtextworkspace_library.cpp).
+    QComboBox *snippetBox() const { return m_snippetBox; }
+    QListView *sctrlList() const { return m_sctrlList; }
+    QPlainTextEdit *textBar() const { return m_textBar; }
+    // Inserts `code` at the cursor as one undo step; a "CURSOR" in it is
+    // taken out and marks where the caret ends.
+    void insertCode(const QString &code);
+    // The library belongs to the states editor: the others hide it.
+    void setSCtrlPanelAllowed(bool allowed);
+    // Every text document of the open projects, for applying options to all.
+    void setDocumentSource(std::function<QList<QSyntaxTextEditor *>()> source) { m_documentSource = std::move(source); }
+
 public slots:
     void updateErrorList();
     void errorActivated(int row);
@@ -54,6 +76,16 @@ public slots:
     void nextDepr() { findIssue(0, true); }
     void prevDepr() { findIssue(0, false); }
     void comment();
+
+    void showSctrlListTextBar(bool on);
+    void showTextBar(bool on);
+    void snipInsert();
+    void snipActivated(int row);
+    void insertSCtrl(const QModelIndex &index);
+    void selectSCtrl(const QModelIndex &index);
+    void sCtrlNew();
+    void sCtrlEdit();
+    void sCtrlDel();
 
 signals:
     // The issues of the shown document were counted again.
@@ -76,4 +108,24 @@ private:
     QMetaObject::Connection m_contentsConnection;
     QMetaObject::Connection m_hierarchyConnection;
     QList<QAction *> m_contextActions;
+
+    // Snippets and the state-controller library.
+    void buildLibrary(const QAppObjects &objects);
+    void updateLibraryVisibility();
+    void rehighlightAll(QWidget *parent);
+    // Edits the controller `name` (empty: a new one) and saves it under a
+    // name the user gives; true when a file was written.
+    bool editSCtrl(const QString &name);
+    QSnippetManager *m_snippets = nullptr;
+    QSCtrlManager *m_sctrls = nullptr;
+    QColorsetManager *m_colorsets = nullptr;
+    SyntaxFormats *m_formats = nullptr;
+    QMugenSyntaxProperties *m_mugenSyntax = nullptr;
+    QString m_userSCtrls; // where the user's own controllers are written
+    QComboBox *m_snippetBox = nullptr;
+    QSplitter *m_libraryPanel = nullptr;
+    QListView *m_sctrlList = nullptr;
+    QPlainTextEdit *m_textBar = nullptr;
+    bool m_sctrlAllowed = false;
+    std::function<QList<QSyntaxTextEditor *>()> m_documentSource;
 };

@@ -1,6 +1,7 @@
 #include "qpaletteseditor.h"
 
 #include "qpalettewidget.h"
+#include "remapdlg.h"
 #include "spritedialogs.h"
 
 #include "base/qmugenmodel.h"
@@ -71,6 +72,7 @@ void QPalettesEditor::setupControls()
         {"pal_open", 120, SLOT(open()), SIGNAL(enabled(bool))},
         {"pal_save", 121, SLOT(save()), SIGNAL(enabled(bool))},
         {"pal_switch_count", 122, SLOT(switchCount()), SIGNAL(enabled(bool))},
+        {"pal_remap", 123, SLOT(remap()), SIGNAL(enabled(bool))},
         {"pal_undo", 124, SLOT(undo()), SIGNAL(canUndo(bool))},
         {"pal_redo", 125, SLOT(redo()), SIGNAL(canRedo(bool))},
         {"pal_switch_color", 126, SLOT(switchColor()), SIGNAL(canSwitchColor(bool))},
@@ -294,6 +296,11 @@ void QPalettesEditor::followSprite(int sprite)
     if (!flag("switch_to_imgpal", true))
         return;
     const QSpriteItem *item = s->item(sprite);
+    // A character palette chosen here is the one the player picked: it stays
+    // while the author walks through the sprites drawn in palette 1,1.
+    const QPaletteInfo own = item ? s->paletteInfo(item->info.palette) : QPaletteInfo();
+    if (own.group == 1 && own.number == 1 && position() >= 0 && s->paletteInfo(m_pos).group == 1)
+        return;
     if (item && item->info.palette < s->paletteCount() && item->info.palette != m_pos)
         definePos(item->info.palette);
 }
@@ -379,17 +386,37 @@ void QPalettesEditor::add()
     if (files.isEmpty())
         return;
     setFolder("proj_path", files.first());
+    // The files take numbers one after another, from the first free one of
+    // the group unless the author says otherwise.
+    int toGroup = group;
+    int number = 0;
+    for (int i = 0; i < s->paletteCount(); ++i)
+        if (const QPaletteInfo info = s->paletteInfo(i); info.group == group)
+            number = qMax(number, info.number + 1);
+    if (flag("show_addpalette_dialog", true)) {
+        AddSom dialog(tr("Add palettes"), group, number, window());
+        if (QAskUser::exec(&dialog) != QDialog::Accepted)
+            return;
+        toGroup = dialog.group();
+        number = dialog.number();
+    }
     QStringList failures;
-    int at = here + 1;
-    int last = -1;
+    QList<QRGBPal> read;
     for (const QString &file : files) {
         QRGBPal colors;
         QString why;
-        if (!QPaletteFile::load(file, &colors, &why)) {
+        if (QPaletteFile::load(file, &colors, &why))
+            read << colors;
+        else
             failures << QStringLiteral("%1: %2").arg(QDir::toNativeSeparators(file), why);
-            continue;
-        }
-        last = s->insertPalette(at++, colors, false, group, -1);
+    }
+    int at = here + 1;
+    int last = -1;
+    if (!read.isEmpty()) {
+        s->undoStack()->beginMacro(tr("Add palettes"));
+        for (const QRGBPal &colors : std::as_const(read))
+            last = s->insertPalette(at++, colors, false, toGroup, qBound(-32768, number++, 32767));
+        s->undoStack()->endMacro();
     }
     if (last >= 0)
         definePos(last);
@@ -625,4 +652,44 @@ void QPalettesEditor::colorCaptured(uchar index)
 {
     if (m_view && position() >= 0)
         m_view->select(index);
+}
+
+// --- the remap table ---------------------------------------------------------------------
+
+void QPalettesEditor::remap()
+{
+    QSprites *s = sprites();
+    if (!s || position() < 0)
+        return;
+    QRemapModel *model = s->remap();
+    const QList<QRemapModel::Row> found = model->rows();
+    const QMetaObject::Connection live = connect(model, &QRemapModel::dataChanged, this, &QPalettesEditor::remapChanged);
+    RemapDlg dialog(s, s->count() ? qBound(0, int(s->index()), s->count() - 1) : -1, window());
+    const bool apply = QAskUser::exec(&dialog) == QDialog::Accepted;
+    disconnect(live);
+    QList<std::pair<int, int>> moves;
+    for (int i = 0; apply && i < s->count(); ++i) {
+        const int own = s->item(i)->info.palette;
+        if (const int mapped = s->remapPalette(own); mapped != own)
+            moves.append({i, mapped});
+    }
+    // The table was a preview: once applied, the sprites hold what it showed.
+    model->setRows(apply ? QList<QRemapModel::Row>() : found);
+    if (!moves.isEmpty()) {
+        s->undoStack()->beginMacro(tr("Remap the palettes"));
+        for (const auto &[sprite, palette] : std::as_const(moves)) {
+            QSpriteInfo info = s->item(sprite)->info;
+            info.palette = quint16(palette);
+            s->setInfo(sprite, info);
+        }
+        s->undoStack()->endMacro();
+    }
+    emit shownPaletteChanged();
+}
+
+void QPalettesEditor::remapChanged(const QModelIndex &, const QModelIndex &)
+{
+    if (m_view)
+        m_view->update();
+    emit shownPaletteChanged();
 }

@@ -6,6 +6,7 @@
 
 #include <QHash>
 #include <QList>
+#include <QModelIndex>
 #include <QPointer>
 
 class QEditorRegistry;
@@ -63,6 +64,10 @@ public slots:
     void colorCaptured(uchar index);
     void setSprPal();
     void setGrpPal();
+    // The remap table, edited in RemapDlg while the stage follows; applied to
+    // the sprites' palettes as one undo step.
+    void remap();
+    void remapChanged(const QModelIndex &from, const QModelIndex &to);
 
     void selPosChanged(int position);
     void grpChanged(int group);

@@ -288,3 +288,31 @@ void AppPalDlg::setAll(int mode)
         item->setCheckState(on ? Qt::Checked : Qt::Unchecked);
     }
 }
+
+// --- AddSom -------------------------------------------------------------------
+
+AddSom::AddSom(const QString &title, int group, int number, QWidget *parent)
+    : QDialog(parent)
+{
+    setObjectName(QStringLiteral("AddSom"));
+    setWindowTitle(title);
+    auto *layout = new QVBoxLayout(this);
+    auto *form = new QFormLayout;
+    // Palette groups and numbers are signed in the file.
+    m_group = spin(this, "group", -32768, 32767, group);
+    m_number = spin(this, "number", -32768, 32767, number);
+    form->addRow(tr("Group:"), m_group);
+    form->addRow(tr("Index:"), m_number);
+    layout->addLayout(form);
+    addButtons(this, layout);
+}
+
+int AddSom::group() const
+{
+    return m_group->value();
+}
+
+int AddSom::number() const
+{
+    return m_number->value();
+}

@@ -113,3 +113,17 @@ private:
 
     QListWidget *m_list;
 };
+
+// The group and the first number of palettes about to be added.
+class AddSom : public QDialog
+{
+    Q_OBJECT
+
+public:
+    AddSom(const QString &title, int group, int number, QWidget *parent = nullptr);
+    int group() const;
+    int number() const;
+
+private:
+    QSpinBox *m_group, *m_number;
+};
