@@ -12,6 +12,8 @@
 #include "qlanguagemanager.h"
 #include "qpresetmanager.h"
 #include "qwindowlayout.h"
+#include "shell/finddlgmlt.h"
+#include "shell/qquickfind.h"
 #include "scripting/qscriptmanager.h"
 
 #include <QDockWidget>
@@ -164,6 +166,12 @@ void QInterface::retranslate()
     m_actions.retranslate();
     m_registry->retranslate(m_actions.translation());
     m_layout->retranslate();
+    if (m_quickFind)
+        m_quickFind->retranslate();
+    if (m_findDialog)
+        m_findDialog->retranslate();
+    if (QMenu *options = m_window->findChild<QMenu *>(QStringLiteral("menuFindOptions")))
+        m_actions.translation().retranslateMenu(options, 320);
 }
 
 void QInterface::rebuildToolMenu()

@@ -10,6 +10,8 @@
 #include <functional>
 
 class ErrorDlg;
+class FindDlgMlt;
+class QQuickFind;
 class QDockWidget;
 class QEngineRun;
 class QFileWatchObject;
@@ -54,6 +56,8 @@ public:
     QHistoryManager *history() const { return m_history; }
     QMenu *recentMenu() const { return m_recentMenu; }
     ErrorDlg *issuesDialog() const { return m_issues; }
+    QQuickFind *quickFind() const { return m_quickFind; }
+    FindDlgMlt *findDialog() const { return m_findDialog; }
     // The text of the project status field for a type and engine version.
     static QString projectStatusText(int projectType, quint32 version);
     // True for a project nobody has touched: empty DEF, sprites, palettes,
@@ -139,6 +143,8 @@ private:
     void buildProjectMenu();
     void buildViewMenu();
     void buildToolsAndHelpMenus();
+    // The search bar, the multi-line find dialog and their switches and commands.
+    void buildFind();
     void releaseProjects();
     QProject *createProject();
     void connectProject(QProject *project);
@@ -180,6 +186,9 @@ private:
     QHistoryManager *m_history = nullptr; // child of this object
     ErrorDlg *m_issues = nullptr;
     QAction *m_viewQuickFind = nullptr;
+    QQuickFind *m_quickFind = nullptr;     // child of the window
+    FindDlgMlt *m_findDialog = nullptr;   // child of the window
+    QPointer<QWidget> m_findReturn;       // where the focus goes when the bar closes
     QAction *m_viewLeft = nullptr;
     QAction *m_viewRight = nullptr;
     QAction *m_viewActions = nullptr;

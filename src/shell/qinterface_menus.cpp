@@ -18,6 +18,7 @@
 #include "shell/errordlg.h"
 #include "shell/qaskuser.h"
 #include "shell/qhistorymanager.h"
+#include "shell/qquickfind.h"
 
 #include <QApplication>
 #include <QCoreApplication>
@@ -26,7 +27,9 @@
 #include <QLabel>
 #include <QListView>
 #include <QMainWindow>
+#include <QLineEdit>
 #include <QMenu>
+#include <QPlainTextEdit>
 #include <QStatusBar>
 #include <QTabBar>
 
@@ -50,6 +53,7 @@ void QInterface::buildControllerUi()
 
     buildProjectMenu();
     buildViewMenu();
+    buildFind();
     buildToolsAndHelpMenus();
 
     // A carrier only fires for actions a widget has taken in.
@@ -234,8 +238,24 @@ void QInterface::updateProjectStatus()
 
 void QInterface::editFindToggled(bool show)
 {
-    if (QWidget *quickFind = m_dialogs.value(QStringLiteral("quick_find")))
-        quickFind->setVisible(show);
+    if (!m_quickFind)
+        return;
+    // The bar starts from the text selected where the user was, if it is one
+    // line, and gives the focus back there when it closes.
+    QWidget *focus = QApplication::focusWidget();
+    if (show && focus && !m_quickFind->isAncestorOf(focus)) {
+        m_findReturn = focus;
+        QString selected;
+        if (auto *text = qobject_cast<QPlainTextEdit *>(focus))
+            selected = text->textCursor().selectedText();
+        if (!selected.isEmpty() && !selected.contains(QChar::ParagraphSeparator))
+            m_quickFind->findField()->setText(selected);
+    }
+    m_quickFind->setVisible(show);
+    if (show)
+        m_quickFind->focusFind();
+    else if (m_findReturn && m_quickFind->isAncestorOf(focus))
+        m_findReturn->setFocus();
 }
 
 void QInterface::viewLeftPanel(bool show)

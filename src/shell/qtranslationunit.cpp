@@ -336,6 +336,12 @@ const char *const kCaptions[QTranslationUnit::Count] = {
     QT_TRANSLATE_NOOP("QTranslationUnit", "Run"), // 325
     QT_TRANSLATE_NOOP("QTranslationUnit", "M.U.G.E.N. engines..."), // 326
     QT_TRANSLATE_NOOP("QTranslationUnit", "Restore a bug report..."), // 327
+    QT_TRANSLATE_NOOP("QTranslationUnit", "Regular expression"), // 328
+    QT_TRANSLATE_NOOP("QTranslationUnit", "Case sensitive"), // 329
+    QT_TRANSLATE_NOOP("QTranslationUnit", "Backward"), // 330
+    QT_TRANSLATE_NOOP("QTranslationUnit", "Circular"), // 331
+    QT_TRANSLATE_NOOP("QTranslationUnit", "Find next"), // 332
+    QT_TRANSLATE_NOOP("QTranslationUnit", "Find previous"), // 333
 };
 
 // Tool tips; nullptr where the id is a field label.
@@ -668,6 +674,12 @@ const char *const kToolTips[QTranslationUnit::Count] = {
     QT_TRANSLATE_NOOP("QTranslationUnit", "Run the script"), // 325
     QT_TRANSLATE_NOOP("QTranslationUnit", "Add, edit, remove and order the engines that projects run in"), // 326
     QT_TRANSLATE_NOOP("QTranslationUnit", "Unpack a bug report: its log, its description and its animations"), // 327
+    QT_TRANSLATE_NOOP("QTranslationUnit", "Search with a regular expression instead of the plain text"), // 328
+    QT_TRANSLATE_NOOP("QTranslationUnit", "Tell capital from small letters when searching"), // 329
+    QT_TRANSLATE_NOOP("QTranslationUnit", "Search toward the start of the document"), // 330
+    QT_TRANSLATE_NOOP("QTranslationUnit", "Go on from the other end when the search reaches one"), // 331
+    QT_TRANSLATE_NOOP("QTranslationUnit", "Find the next match of the search bar's text"), // 332
+    QT_TRANSLATE_NOOP("QTranslationUnit", "Find the previous match of the search bar's text"), // 333
 };
 
 struct LongText

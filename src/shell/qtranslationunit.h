@@ -14,7 +14,7 @@ class QTranslationUnit : public QObject
 
 public:
     // Ids run from 0 to Count - 1; anything else reads as an empty text.
-    static constexpr int Count = 328;
+    static constexpr int Count = 334;
 
     explicit QTranslationUnit(QObject *parent = nullptr);
 

@@ -58,6 +58,7 @@ void QWindowLayout::buildCentre()
     row->addWidget(m_leftPanel);
 
     auto *centre = new QVBoxLayout;
+    m_centre = centre;
     centre->setContentsMargins(0, 0, 0, 0);
     centre->setSpacing(0);
     m_centralStack = new QStackedLayout;
@@ -76,6 +77,11 @@ void QWindowLayout::buildCentre()
 
     m_leftPanel->hide();
     m_rightPanel->hide();
+}
+
+void QWindowLayout::addBelowCentre(QWidget *bar)
+{
+    m_centre->insertWidget(m_centre->indexOf(m_centralStack) + 1, bar);
 }
 
 void QWindowLayout::buildToolBars()

@@ -12,6 +12,8 @@ class QPanelWidget;
 class QStackedLayout;
 class QTabBar;
 class QToolBar;
+class QVBoxLayout;
+class QWidget;
 
 // The main window around the editors: the project tabs; the left and right
 // panels, each a stack with a page per editor or extra editor; the central
@@ -38,6 +40,8 @@ public:
     QToolBar *mainToolBar() const { return m_mainToolBar; }
     QToolBar *extraToolBar() const { return m_extraToolBar; }
     QToolBar *editorToolBar() const { return m_editorToolBar; }
+    // Puts a bar (the search bar) right below the central stack.
+    void addBelowCentre(QWidget *bar);
 
     QLabel *statusField(int i) const { return m_statusFields.value(i); }
     // Shows text in a status field; an empty text hides the field, so that
@@ -70,6 +74,7 @@ private:
     QStackedLayout *m_leftStack = nullptr;
     QStackedLayout *m_rightStack = nullptr;
     QStackedLayout *m_centralStack = nullptr;
+    QVBoxLayout *m_centre = nullptr;
     QToolBar *m_mainToolBar = nullptr;
     QToolBar *m_extraToolBar = nullptr;
     QToolBar *m_editorToolBar = nullptr;

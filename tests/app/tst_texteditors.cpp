@@ -18,15 +18,20 @@
 #include "shell/qaction2.h"
 #include "shell/qactionmanager.h"
 #include "shell/errordlg.h"
+#include "shell/finddlgmlt.h"
 #include "shell/qaskuser.h"
 #include "shell/qeditorregistry.h"
+#include "shell/qquickfind.h"
 #include "shell/qwindowlayout.h"
 
 #include <QComboBox>
 #include <QDialog>
 #include <QDirIterator>
 #include <QLabel>
+#include <QLineEdit>
 #include <QListView>
+#include <QPlainTextEdit>
+#include <QPushButton>
 #include <QSpinBox>
 #include <QTabBar>
 #include <QTemporaryDir>
@@ -315,6 +320,93 @@ private slots:
             app.trigger("txt_next_error");
             QTest::qWait(300);
             QVERIFY(app.root->window()->grab().save(shots + QStringLiteral("/states-kfm.png")));
+        }
+    }
+
+    // The search bar and the multi-line dialog on kfm's states: replace all as
+    // one undo step, bad expressions, the ends of the document, captures.
+    void findAndReplace()
+    {
+        BF_REQUIRE_SAMPLE();
+        Answers answers;
+        const QString folder = copyFolder(samplePath(QStringLiteral("chars/kfm")), m_dir.filePath(QStringLiteral("find")));
+        App app = start(m_dir.filePath(QStringLiteral("cfg-find")), folder + QStringLiteral("/kfm.def"));
+        app.registry().editorSwitch(4);
+        QTextDocument *doc = app.view()->document();
+        QQuickFind *bar = app.root->controller()->quickFind();
+        app.trigger("edit_find_replace");
+        QVERIFY(bar->isVisible());
+        const auto set = [&app](const char *key, bool on) { app.registry().actionManager().action(QString::fromLatin1(key))->setChecked(on); };
+        set("quick_search_case", true);
+        set("quick_search_circular", false);
+
+        const QString original = doc->toPlainText();
+        bar->findField()->setText(QStringLiteral("a"));
+        bar->replaceField()->setText(QStringLiteral("aa"));
+        bar->findChild<QPushButton *>(QStringLiteral("replaceAllButton"))->click();
+        QCOMPARE(doc->toPlainText().count(QLatin1Char('a')), 2 * original.count(QLatin1Char('a')));
+        app.trigger("edit_undo");
+        QCOMPARE(doc->toPlainText(), original);
+        QVERIFY(answers.texts.isEmpty());
+
+        set("quick_search_regexp", true);
+        bar->findField()->setText(QStringLiteral("(["));
+        bar->find();
+        QCOMPARE(answers.texts, QStringList(QStringLiteral("No text found!")));
+
+        // Backward from the start stops there; circular goes round to the last match.
+        set("quick_search_regexp", false);
+        set("quick_search_backward", true);
+        app.view()->setTextCursor(QTextCursor(doc));
+        bar->findField()->setText(QStringLiteral("[Statedef"));
+        bar->find();
+        QCOMPARE(answers.texts.size(), 2);
+        QVERIFY(!app.view()->textCursor().hasSelection());
+        set("quick_search_circular", true);
+        bar->find();
+        QCOMPARE(app.view()->textCursor().selectionStart(), original.lastIndexOf(QStringLiteral("[Statedef")));
+        QCOMPARE(app.root->objects().config->map.value(QStringLiteral("quicksearch_back")).toBool(), true);
+
+        // A capture goes into the replacement; Replace then moves to the next match.
+        set("quick_search_backward", false);
+        set("quick_search_regexp", true);
+        app.view()->setTextCursor(QTextCursor(doc));
+        bar->findField()->setText(QStringLiteral("\\[Statedef (\\d+)"));
+        bar->replaceField()->setText(QStringLiteral("[Statedef 9\\1"));
+        bar->replace();
+        const int first = app.view()->textCursor().selectionStart();
+        const QString number = app.view()->textCursor().selectedText().mid(10);
+        bar->replace();
+        QCOMPARE(doc->toPlainText().mid(first, 11 + number.size()), QStringLiteral("[Statedef 9") + number);
+        QVERIFY(app.view()->textCursor().selectionStart() > first);
+
+        // The dialog finds a pattern of two lines.
+        FindDlgMlt *dialog = app.root->controller()->findDialog();
+        app.trigger("edit_find_replace_multi");
+        const QTextBlock block = doc->findBlockByNumber(40);
+        const QString twoLines = block.text() + QLatin1Char('\n') + block.next().text();
+        set("quick_search_regexp", false);
+        dialog->findField()->setPlainText(twoLines);
+        app.view()->setTextCursor(QTextCursor(doc));
+        dialog->findChild<QPushButton *>(QStringLiteral("findButton"))->click();
+        QCOMPARE(app.view()->textCursor().selectedText().replace(QChar::ParagraphSeparator, QLatin1Char('\n')), twoLines);
+
+        const QString shots = qEnvironmentVariable("BF_SCREENSHOT_DIR");
+        if (!shots.isEmpty()) {
+            dialog->hide();
+            app.trigger("edit_undo");
+            set("quick_search_regexp", false);
+            bar->findField()->setText(QStringLiteral("ChangeState"));
+            bar->replaceField()->setText(QStringLiteral("SelfState"));
+            app.view()->gotoLine(60, 0);
+            bar->find();
+            QTest::qWait(300);
+            QVERIFY(app.root->window()->grab().save(shots + QStringLiteral("/find-bar.png")));
+            dialog->findField()->setPlainText(QStringLiteral("[State 0, 1]\ntype = ChangeAnim"));
+            dialog->replaceField()->setPlainText(QStringLiteral("[State 0, 1]\ntype = ChangeAnim2"));
+            dialog->show();
+            QTest::qWait(300);
+            QVERIFY(dialog->grab().save(shots + QStringLiteral("/find-dialog.png")));
         }
     }
 

@@ -7,6 +7,8 @@
 #include "shell/qaction2.h"
 #include "shell/qactionmanager.h"
 #include "shell/qeditorregistry.h"
+#include "shell/qinterfacecontrolaction.h"
+#include "shell/qinterfaceeditor.h"
 #include "project/qproject.h"
 #include "base/qmugenmodel.h"
 #include "shell/qappobjects.h"
@@ -77,6 +79,25 @@ void registerCodeEditors(QEditorRegistry &registry, const QAppObjects &objects,
         });
     }
     ws->setContextActions(actions);
+
+    // Each text editor's own new, open, save and save as, for the action
+    // list, the shortcuts and the panels.
+    const struct
+    {
+        int editor;
+        const char *prefix;
+        int caption;
+    } files[] = {{0, "def", 65}, {3, "cmd", 196}, {4, "st", 201}};
+    for (const auto &f : files) {
+        QInterfaceEditor *editor = registry.editor(f.editor);
+        const char *const suffixes[] = {"_new", "_open", "_save", "_saveas"};
+        const char *const targets[] = {SLOT(clear()), SLOT(open()), SLOT(save()), SLOT(saveAs())};
+        for (int i = 0; editor && i < 4; ++i) {
+            const QString key = QString::fromLatin1(f.prefix) + QLatin1String(suffixes[i]);
+            QAction2 *a = registry.actionManager().addAction({f.editor, -1}, key, f.caption + i, false, editor, targets[i]);
+            registry.addControl(key, std::make_unique<QInterfaceControlAction>(a));
+        }
+    }
 }
 
 bool showTextLine(QEditorRegistry &registry, QProject *project, const QString &file, uint line)

@@ -6,6 +6,7 @@
 #include "code/qtexteditorblockdata.h"
 #include "project/qproject.h"
 #include "qtexteditor.h"
+#include "qtextfind.h"
 #include "qtextworkspace.h"
 #include "shell/qappobjects.h"
 #include "shell/qaskuser.h"
@@ -151,6 +152,24 @@ void QTextDocumentEditor::paste()
 {
     if (m_shown)
         m_workspace->editor()->paste();
+}
+
+void QTextDocumentEditor::find(const QString &text, const QQuickFindOptions &options)
+{
+    if (m_shown && !text.isEmpty() && !QTextFind::find(m_workspace->editor(), text, options))
+        QAskUser::message(window(), QMessageBox::Information, tr("Find"), tr("No text found!"));
+}
+
+void QTextDocumentEditor::replace(const QString &text, const QString &with, const QQuickFindOptions &options,
+                                  bool all)
+{
+    if (!m_shown || text.isEmpty())
+        return;
+    QTextEditor *view = m_workspace->editor();
+    const bool found = all ? QTextFind::replaceAll(view, text, with, options) > 0
+                           : QTextFind::replace(view, text, with, options);
+    if (!found)
+        QAskUser::message(window(), QMessageBox::Information, tr("Replace"), tr("No text found!"));
 }
 
 QWidget *QTextDocumentEditor::window() const

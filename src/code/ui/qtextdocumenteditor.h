@@ -73,8 +73,9 @@ public slots:
     void cut() override;
     void copy() override;
     void paste() override;
-    void find(const QString &, const QQuickFindOptions &) override {}
-    void replace(const QString &, const QString &, const QQuickFindOptions &, bool) override {}
+    // Search the shown document from its cursor; a miss says "No text found!".
+    void find(const QString &text, const QQuickFindOptions &options) override;
+    void replace(const QString &text, const QString &with, const QQuickFindOptions &options, bool all) override;
     void refreshStatus();
     // A click on an outline node shows its line at the top of the text.
     void viewSelItem(const QModelIndex &index);
