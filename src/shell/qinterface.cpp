@@ -179,9 +179,9 @@ void QInterface::rebuildToolMenu()
     QMenu *tools = m_window->findChild<QMenu *>(QStringLiteral("menuTools"));
     if (!tools || !m_objects.scripts)
         return;
-    // The first four entries are the program's own; scripts follow them.
+    // The first entries are the program's own; scripts follow them.
     const QList<QAction *> existing = tools->actions();
-    for (int i = 4; i < existing.size(); ++i) {
+    for (int i = m_fixedToolEntries; i < existing.size(); ++i) {
         tools->removeAction(existing.at(i));
         if (existing.at(i)->parent() == tools)
             delete existing.at(i);

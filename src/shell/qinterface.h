@@ -110,7 +110,6 @@ public slots:
     void viewActions(bool show);
     void toolsOptions();
     void toolsEngines();
-    void toolsScript();
     void helpAbout();
     void helpReportBug();
     void restoreBugReport();
@@ -196,5 +195,6 @@ private:
     QMap<QString, QPointer<QWidget>> m_dialogs;
     QMap<QString, JumpHandler> m_jumpHandlers;
     int m_projectWork = 0; // project loads and saves under way
+    int m_fixedToolEntries = 0; // Tools menu entries of the program itself, before the scripts
     QEngineRun *m_engineRun = nullptr; // child of this object
 };

@@ -179,15 +179,13 @@ void QInterface::buildViewMenu()
 void QInterface::buildToolsAndHelpMenus()
 {
     if (QMenu *tools = windowMenu(m_window, "menuTools")) {
-        // Four fixed entries: the tool scripts are listed after them.
+        // The program's own entries; the tool scripts are listed after them.
         tools->addAction(m_actions.addAction(kGlobal, QStringLiteral("tools_options"), 37, false, this,
                                              SLOT(toolsOptions())));
         tools->addAction(m_actions.addAction(kGlobal, QStringLiteral("tools_engines"), 326, false, this,
                                              SLOT(toolsEngines())));
         tools->addSeparator();
-        tools->addAction(m_actions.addAction(kGlobal, QStringLiteral("tools_script_editor"), 38, false, this,
-                                             SLOT(toolsScript())));
-        tools->addSeparator();
+        m_fixedToolEntries = int(tools->actions().size());
     }
     if (QMenu *help = windowMenu(m_window, "menuHelp")) {
         help->addAction(m_actions.addAction(kGlobal, QStringLiteral("help_reportbug"), 40, false, this,
@@ -300,13 +298,6 @@ void QInterface::toolsEngines()
         return;
     EnginesDlg dlg(m_objects.config, m_window);
     QAskUser::exec(&dlg);
-}
-
-void QInterface::toolsScript()
-{
-    if (QWidget *scripts = m_dialogs.value(QStringLiteral("script_editor")))
-        scripts->show();
-    rebuildToolMenu();
 }
 
 void QInterface::helpAbout()

@@ -173,10 +173,13 @@ private slots:
         app.trigger("edit_undo");
         QCOMPARE(doc->toPlainText(), original);
 
-        // The library belongs to the states alone.
+        // The library belongs to the states alone, also when a project
+        // switch refreshes every editor.
         app.registry().editorSwitch(3);
         QVERIFY(!ws->sctrlList()->isVisible());
         QVERIFY(ws->snippetBox()->isVisible());
+        app.registry().setCurrentProject(app.project());
+        QVERIFY(!ws->sctrlList()->isVisible());
 
         const QString shots = qEnvironmentVariable("BF_SCREENSHOT_DIR");
         if (!shots.isEmpty()) {

@@ -34,9 +34,10 @@ void QStatesEditor::activate(bool reload)
         connect(tabs, &QTabBar::currentChanged, this, &QStatesEditor::tabChanged, Qt::UniqueConnection);
         fillTabs();
         tabs->show();
-    }
-    if (m_workspace)
+        // Only a real activation takes the shared workspace: a project switch
+        // refreshes every editor, current or not.
         m_workspace->setSCtrlPanelAllowed(true);
+    }
     QTextDocumentEditor::activate(reload);
 }
 
