@@ -314,10 +314,7 @@ void PalEditor::saveGrpIdx()
     number->setValue(m_palette >= 0 ? info.number : 1);
     form->addRow(tr("Group:"), group);
     form->addRow(tr("Index:"), number);
-    auto *buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, &dialog);
-    connect(buttons, &QDialogButtonBox::accepted, &dialog, &QDialog::accept);
-    connect(buttons, &QDialogButtonBox::rejected, &dialog, &QDialog::reject);
-    form->addRow(buttons);
+    form->addRow(QAskUser::okCancelButtons(&dialog));
     if (QAskUser::exec(&dialog) != QDialog::Accepted)
         return;
     settleSliders();

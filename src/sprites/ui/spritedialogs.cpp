@@ -1,5 +1,7 @@
 #include "spritedialogs.h"
 
+#include "shell/qaskuser.h"
+
 #include <QButtonGroup>
 #include <QCheckBox>
 #include <QComboBox>
@@ -31,14 +33,6 @@ QRadioButton *radio(QWidget *parent, const char *name, const QString &text)
     auto *r = new QRadioButton(text, parent);
     r->setObjectName(QString::fromLatin1(name));
     return r;
-}
-
-void addButtons(QDialog *dialog, QBoxLayout *layout)
-{
-    auto *buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, dialog);
-    QObject::connect(buttons, &QDialogButtonBox::accepted, dialog, &QDialog::accept);
-    QObject::connect(buttons, &QDialogButtonBox::rejected, dialog, &QDialog::reject);
-    layout->addWidget(buttons);
 }
 
 } // namespace
@@ -106,7 +100,7 @@ AddSpr::AddSpr(QWidget *parent)
     m_crop->addItems({tr("Don't crop the image"), tr("Crop the image (before axis)"), tr("Crop the image (after axis)")});
     palette->addRow(QString(), m_crop);
     layout->addLayout(palette);
-    addButtons(this, layout);
+    layout->addWidget(QAskUser::okCancelButtons(this));
 }
 
 void AddSpr::setDefaults(int group, int number, int x, int y, bool blankAxis, int paletteGroup, int paletteNumber)
@@ -174,7 +168,7 @@ GroupDlg::GroupDlg(bool rename, int group, QWidget *parent)
     range->addRow(tr("Start:"), m_first);
     range->addRow(tr("End:"), m_last);
     layout->addLayout(range);
-    addButtons(this, layout);
+    layout->addWidget(QAskUser::okCancelButtons(this));
 }
 
 int GroupDlg::group() const { return m_group->value(); }
@@ -196,7 +190,7 @@ CloneSpr::CloneSpr(QWidget *parent)
     link->setChecked(true);
     layout->addWidget(link);
     layout->addWidget(m_copy);
-    addButtons(this, layout);
+    layout->addWidget(QAskUser::okCancelButtons(this));
 }
 
 bool CloneSpr::copyImage() const { return m_copy->isChecked(); }
@@ -224,7 +218,7 @@ SaveItem::SaveItem(int count, int current, QWidget *parent)
     range->addRow(tr("Start:"), m_first);
     range->addRow(tr("End:"), m_last);
     layout->addLayout(range);
-    addButtons(this, layout);
+    layout->addWidget(QAskUser::okCancelButtons(this));
 }
 
 int SaveItem::which() const { return m_which->checkedId(); }
@@ -304,7 +298,7 @@ AddSom::AddSom(const QString &title, int group, int number, QWidget *parent)
     form->addRow(tr("Group:"), m_group);
     form->addRow(tr("Index:"), m_number);
     layout->addLayout(form);
-    addButtons(this, layout);
+    layout->addWidget(QAskUser::okCancelButtons(this));
 }
 
 int AddSom::group() const
