@@ -4,6 +4,7 @@
 
 #include "qimagewidget.h"
 #include "qpalettewidget.h"
+#include "spritedialogs.h"
 
 #include "shell/qaskuser.h"
 #include "shell/qprogress.h"
@@ -63,17 +64,9 @@ QString fileList(const QStringList &lines)
 
 void PalEditor::open()
 {
-    const QString file = QAskUser::openFileName(this, tr("Open palette"), folder("pal_path"), QPaletteFile::openFilter());
-    if (file.isEmpty())
-        return;
-    setFolder("pal_path", file);
     QRGBPal colors;
-    QString why;
-    if (!QPaletteFile::load(file, &colors, &why)) {
-        QAskUser::critical(this, tr("Open palette"), tr("%1 could not be read:\n%2").arg(QDir::toNativeSeparators(file), why));
-        return;
-    }
-    worker()->setColors(colors);
+    if (openPaletteFile(this, tr("Open palette"), m_project, &colors))
+        worker()->setColors(colors);
 }
 
 void PalEditor::save()

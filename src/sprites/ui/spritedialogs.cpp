@@ -1,11 +1,15 @@
 #include "spritedialogs.h"
 
+#include "project/qproject.h"
 #include "shell/qaskuser.h"
+#include "sprites/qpalettefile.h"
 
 #include <QButtonGroup>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDialogButtonBox>
+#include <QDir>
+#include <QFileInfo>
 #include <QFormLayout>
 #include <QGridLayout>
 #include <QGroupBox>
@@ -309,4 +313,21 @@ int AddSom::group() const
 int AddSom::number() const
 {
     return m_number->value();
+}
+
+bool openPaletteFile(QWidget *parent, const QString &title, QProject *project, QRGBPal *colors)
+{
+    const QString key = QStringLiteral("pal_path");
+    const QString file = QAskUser::openFileName(parent, title, project ? project->path(key) : QString(),
+                                                QPaletteFile::openFilter());
+    if (file.isEmpty())
+        return false;
+    if (project)
+        project->setPath(key, QFileInfo(file).absolutePath());
+    QString why;
+    if (QPaletteFile::load(file, colors, &why))
+        return true;
+    QAskUser::critical(parent, title,
+                       QObject::tr("%1 could not be read:\n%2").arg(QDir::toNativeSeparators(file), why));
+    return false;
 }
