@@ -319,6 +319,24 @@ void pushString(lua_State *L, const QString &text)
     lua_pushlstring(L, bytes.constData(), size_t(bytes.size()));
 }
 
+int pushBool(lua_State *L, bool value)
+{
+    lua_pushboolean(L, value);
+    return 1;
+}
+
+int pushNumber(lua_State *L, double value)
+{
+    lua_pushnumber(L, value);
+    return 1;
+}
+
+int pushText(lua_State *L, const QString &text)
+{
+    pushString(L, text);
+    return 1;
+}
+
 bool isObject(lua_State *L, int index)
 {
     return box(L, index) != nullptr;

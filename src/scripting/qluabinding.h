@@ -83,6 +83,10 @@ void registerUnavailable(lua_State *L, const char *name, const char *why);
 void push(lua_State *L, QObject *object, const Class &cls);
 void pushOwned(lua_State *L, QObject *object, const Class &cls);
 void pushString(lua_State *L, const QString &text);
+// One result for a getter or method: push the value and return 1.
+int pushBool(lua_State *L, bool value);
+int pushNumber(lua_State *L, double value);
+int pushText(lua_State *L, const QString &text);
 
 // Argument checks; each throws Error with the argument's number and what was
 // expected.

@@ -57,22 +57,6 @@ void needFiles(lua_State *L)
         fail(QStringLiteral("files are out of reach of this script"));
 }
 
-int pushBool(lua_State *L, bool value)
-{
-    lua_pushboolean(L, value);
-    return 1;
-}
-int pushNumber(lua_State *L, double value)
-{
-    lua_pushnumber(L, value);
-    return 1;
-}
-int pushText(lua_State *L, const QString &text)
-{
-    pushString(L, text);
-    return 1;
-}
-
 // An index argument that must name an existing item (or, with `end`, the
 // place after the last one).
 int index(lua_State *L, int arg, int count, bool end = false)

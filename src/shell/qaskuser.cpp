@@ -1,6 +1,7 @@
 #include "shell/qaskuser.h"
 
 #include <QDialog>
+#include <QDialogButtonBox>
 #include <QFileDialog>
 
 namespace {
@@ -94,4 +95,12 @@ QAskUser::FileHandler QAskUser::setFileHandler(FileHandler handler)
 QAskUser::DialogHandler QAskUser::setDialogHandler(DialogHandler handler)
 {
     return std::exchange(dialogHandler(), std::move(handler));
+}
+
+QDialogButtonBox *QAskUser::okCancelButtons(QDialog *dialog)
+{
+    auto *buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, dialog);
+    QObject::connect(buttons, &QDialogButtonBox::accepted, dialog, &QDialog::accept);
+    QObject::connect(buttons, &QDialogButtonBox::rejected, dialog, &QDialog::reject);
+    return buttons;
 }

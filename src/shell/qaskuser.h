@@ -7,6 +7,7 @@
 #include <functional>
 
 class QDialog;
+class QDialogButtonBox;
 class QWidget;
 
 // Every question the controller asks goes through here: message boxes, file
@@ -42,6 +43,8 @@ public:
     static QString saveFileName(QWidget *parent, const QString &caption, const QString &folder,
                                 const QString &filter);
     static int exec(QDialog *dialog);
+    // OK and Cancel that accept and reject `dialog`, for its layout to take.
+    static QDialogButtonBox *okCancelButtons(QDialog *dialog);
 
     // Each returns the handler it replaces; an empty handler restores the real dialogs.
     static MessageHandler setMessageHandler(MessageHandler handler);

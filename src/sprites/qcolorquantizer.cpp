@@ -66,7 +66,7 @@ void QColorQuantizer::addColor(QRgb color)
         reduce();
 }
 
-void QColorQuantizer::addImage(const QImage &image)
+void QColorQuantizer::addImage(const QImage &image, int minAlpha)
 {
     if (image.isNull())
         return;
@@ -76,7 +76,8 @@ void QColorQuantizer::addImage(const QImage &image)
     for (int y = 0; y < src.height(); ++y) {
         const QRgb *line = reinterpret_cast<const QRgb *>(src.constScanLine(y));
         for (int x = 0; x < src.width(); ++x)
-            addColor(line[x] | 0xFF000000u);
+            if (qAlpha(line[x]) >= minAlpha)
+                addColor(line[x] | 0xFF000000u);
     }
     m_numbered = false;
 }

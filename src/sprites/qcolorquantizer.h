@@ -18,8 +18,9 @@ public:
     explicit QColorQuantizer(int maxColors = 256, int depth = 8);
 
     void addColor(QRgb color);
-    // Adds every pixel of the image (alpha ignored); any format is accepted.
-    void addImage(const QImage &image);
+    // Adds the pixels of the image whose alpha is at least `minAlpha` (alpha
+    // itself is not part of the colour); any format is accepted.
+    void addImage(const QImage &image, int minAlpha = 0);
 
     int colorCount() const { return m_leafCount; }
 

@@ -85,12 +85,7 @@ Reduced optimize(const QImage &image)
         argb = image.convertToFormat(QImage::Format_ARGB32);
     }
     QColorQuantizer quantizer(255, 8);
-    for (int y = 0; y < argb.height(); ++y) {
-        const QRgb *line = reinterpret_cast<const QRgb *>(argb.constScanLine(y));
-        for (int x = 0; x < argb.width(); ++x)
-            if (qAlpha(line[x]) >= 128)
-                quantizer.addColor(line[x]);
-    }
+    quantizer.addImage(argb, 128);
     out.colors = quantizer.colorCount();
     out.palette = quantizer.palette(1);
     out.palette[0] = zero;

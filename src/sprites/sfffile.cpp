@@ -1492,12 +1492,7 @@ void SffPlan::reduceTo8Bits(std::vector<char> &lost)
         indexed.fill(0);
         if (!argb.isNull()) {
             QColorQuantizer quantizer(255, 8);
-            for (int y = 0; y < argb.height(); ++y) {
-                const QRgb *line = reinterpret_cast<const QRgb *>(argb.constScanLine(y));
-                for (int x = 0; x < argb.width(); ++x)
-                    if (qAlpha(line[x]) >= 128)
-                        quantizer.addColor(line[x]);
-            }
+            quantizer.addImage(argb, 128);
             indexed = quantizer.toIndexed(argb, 1, 0);
         }
         QRGBPal pal = QRGBPal::fromColorTable(indexed.colorTable());

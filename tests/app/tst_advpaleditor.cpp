@@ -1,15 +1,10 @@
 // The advanced palette editor, opened from the palettes panel on kfm and driven
 // through its commands; what it commits must be one undo step each.
-#include "approot.h"
-#include "askrecorder.h"
+#include "appdriver.h"
 #include "testsupport.h"
 
 #include "project/qproject.h"
-#include "shell/qaction2.h"
-#include "shell/qactionmanager.h"
-#include "shell/qeditorregistry.h"
 #include "shell/qinterface.h"
-#include "shell/qinterfacecontrolwidget.h"
 #include "sprites/qrgbpalette.h"
 #include "sprites/qsprites.h"
 #include "sprites/ui/paleditor.h"
@@ -26,39 +21,22 @@ class TestAdvPalEditor : public QObject
 {
     Q_OBJECT
 
-    QTemporaryDir m_home;
     QTemporaryDir m_files;
-    std::unique_ptr<QAppRoot> m_root;
-    std::unique_ptr<TestSupport::AskRecorder> m_ask;
+    std::unique_ptr<TestSupport::AppDriver> m_app;
 
-    QEditorRegistry &registry() const { return m_root->controller()->registry(); }
-    QScrollBar *bar(const char *name) const
-    {
-        auto *c = dynamic_cast<QInterfaceControlWidget *>(registry().control(QString::fromLatin1(name)));
-        return c ? qobject_cast<QScrollBar *>(c->widget()) : nullptr;
-    }
+    QScrollBar *bar(const char *name) const { return m_app->control<QScrollBar>(name); }
 
 private slots:
-    void initTestCase()
-    {
-        m_root = TestSupport::startProgram(m_home.path());
-        m_root->window()->resize(1280, 860);
-        m_root->window()->show();
-        m_ask = std::make_unique<TestSupport::AskRecorder>();
-    }
-    void cleanupTestCase()
-    {
-        m_ask.reset();
-        m_root.reset();
-    }
+    void initTestCase() { m_app = std::make_unique<TestSupport::AppDriver>(); }
+    void cleanupTestCase() { m_app.reset(); }
 
     void commitsPaletteAndSpriteAsOneUndoStepEach()
     {
         BF_REQUIRE_SAMPLE();
-        m_root->controller()->openProject(TestSupport::samplePath("chars/kfm/kfm.def"));
-        registry().editorAction(1)->trigger();
-        registry().setExtraEditor(1);
-        QSprites *s = m_root->controller()->currentProject()->sprites();
+        m_app->ui()->openProject(TestSupport::samplePath("chars/kfm/kfm.def"));
+        m_app->registry().editorAction(1)->trigger();
+        m_app->registry().setExtraEditor(1);
+        QSprites *s = m_app->ui()->currentProject()->sprites();
         const int p11 = s->findPalette(0, 1, 1), sprite = s->findSprite(0, 0, 0);
         QVERIFY(p11 >= 0 && sprite >= 0);
         bar("spr_sel")->setValue(sprite);
@@ -75,7 +53,7 @@ private slots:
                 failures << QString::fromLatin1(what);
         };
         const QString shots = qEnvironmentVariable("BF_SCREENSHOT_DIR");
-        m_ask->onDialog = [&](QDialog *d) {
+        m_app->ask.onDialog = [&](QDialog *d) {
             auto *editor = qobject_cast<PalEditor *>(d);
             if (!editor)
                 return int(QDialog::Accepted);
@@ -111,14 +89,14 @@ private slots:
             // Files: the palette and the picture written, then read back as
             // image files for a palette of their own and to take this one.
             const QString act = m_files.filePath(QStringLiteral("grey.act")), png = m_files.filePath(QStringLiteral("grey.png"));
-            m_ask->files = {act, png, png, png};
+            m_app->ask.files = {act, png, png, png};
             for (const char *key : {"advpal_save", "advpal_save_img", "advpal_gen_pal_imgs", "advpal_insert_pal_imgs",
                                     "advpal_adapt_image", "advpal_optimize", "advpal_auto_sort", "advpal_invert_all"})
                 editor->action(QString::fromLatin1(key))->trigger();
-            check(QFileInfo(act).size() == 768 && !QImage(png).isNull() && m_ask->titles.isEmpty(), "files");
+            check(QFileInfo(act).size() == 768 && !QImage(png).isNull() && m_app->ask.titles.isEmpty(), "files");
             return int(QDialog::Accepted);
         };
-        registry().actionManager().action(QStringLiteral("pal_advanced"))->trigger();
+        m_app->trigger("pal_advanced");
         QVERIFY2(failures.isEmpty(), qPrintable(failures.join(QStringLiteral(", "))));
 
         QCOMPARE(*s->paletteColors(p11), fired);

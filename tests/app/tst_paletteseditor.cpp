@@ -1,19 +1,14 @@
 // The palettes panel beside the sprites, driven through its buttons and
 // controls, with every question answered through QAskUser.
-#include "approot.h"
-#include "askrecorder.h"
+#include "appdriver.h"
 #include "palettesupport.h"
 #include "testsupport.h"
 
 #include "base/qmessages.h"
 #include "project/qproject.h"
 #include "render/qsprrender.h"
-#include "shell/qaction2.h"
-#include "shell/qactionmanager.h"
 #include "shell/qaskuser.h"
-#include "shell/qeditorregistry.h"
 #include "shell/qinterface.h"
-#include "shell/qinterfacecontrolwidget.h"
 #include "sprites/qpalettefile.h"
 #include "sprites/qrgbpalette.h"
 #include "sprites/qsprites.h"
@@ -37,25 +32,19 @@ class TestPalettesEditor : public QObject
 {
     Q_OBJECT
 
-    QTemporaryDir m_home;
     QTemporaryDir m_files;
-    std::unique_ptr<QAppRoot> m_root;
-    std::unique_ptr<TestSupport::AskRecorder> m_ask;
+    std::unique_ptr<TestSupport::AppDriver> m_app;
 
-    QInterface *ui() const { return m_root->controller(); }
-    QEditorRegistry &registry() const { return ui()->registry(); }
+    QInterface *ui() const { return m_app->ui(); }
+    QEditorRegistry &registry() const { return m_app->registry(); }
     QSpritesEditor *sprites() const { return static_cast<QSpritesEditor *>(registry().editor(1)); }
     QPalettesEditor *panel() const { return static_cast<QPalettesEditor *>(registry().extraEditor(1)); }
     QSprites *store() const { return ui()->currentProject()->sprites(); }
     QPaletteWidget *view() const { return panel()->view(); }
-    void trigger(const char *key) { registry().actionManager().action(QString::fromLatin1(key))->trigger(); }
-    bool enabled(const char *key) const { return registry().actionManager().action(QString::fromLatin1(key))->isEnabled(); }
-    QWidget *control(const char *name) const
-    {
-        auto *c = dynamic_cast<QInterfaceControlWidget *>(registry().control(QString::fromLatin1(name)));
-        return c ? c->widget() : nullptr;
-    }
-    QString label(const char *name) const { return qobject_cast<QLabel *>(control(name))->text(); }
+    void trigger(const char *key) { m_app->trigger(key); }
+    bool enabled(const char *key) const { return m_app->action(key)->isEnabled(); }
+    QWidget *control(const char *name) const { return m_app->control(name); }
+    QString label(const char *name) const { return m_app->control<QLabel>(name)->text(); }
 
     // A new empty project on the sprites tab, with the palettes beside it.
     void freshProject()
@@ -73,22 +62,9 @@ class TestPalettesEditor : public QObject
     }
 
 private slots:
-    void initTestCase()
-    {
-        m_root = TestSupport::startProgram(m_home.path());
-        m_root->window()->resize(1280, 860);
-        m_root->window()->show();
-        m_ask = std::make_unique<TestSupport::AskRecorder>();
-    }
-    void cleanupTestCase()
-    {
-        m_ask.reset();
-        m_root.reset();
-    }
-    void init()
-    {
-        m_ask->reset();
-    }
+    void initTestCase() { m_app = std::make_unique<TestSupport::AppDriver>(); }
+    void cleanupTestCase() { m_app.reset(); }
+    void init() { m_app->ask.reset(); }
 
     void browsesKfmAndRecoloursTheStage()
     {
@@ -152,7 +128,7 @@ private slots:
         const QList<int> before = s->spritePaletteIndices();
         bar->setValue(p16);
         const int shown = panel()->position();
-        m_ask->onDialog = [](QDialog *d) {
+        m_app->ask.onDialog = [](QDialog *d) {
             const QList<QListWidgetItem *> fives = d->findChild<QListWidget *>(QStringLiteral("groups"))->findItems(QStringLiteral("5"), Qt::MatchExactly);
             if (fives.size() != 1)
                 return int(QDialog::Rejected);
@@ -181,7 +157,7 @@ private slots:
         freshProject();
         QSprites *s = store();
         // No: a blank palette after the current one.
-        m_ask->answer = QMessageBox::No;
+        m_app->ask.answer = QMessageBox::No;
         trigger("pal_add");
         trigger("pal_add");
         QCOMPARE(s->paletteCount(), 2);
@@ -190,13 +166,13 @@ private slots:
         QCOMPARE(label("pal_sel_lb"), QStringLiteral("2 / 2"));
 
         // Yes: one palette per file, after the current one; a bad file is reported by name.
-        m_ask->answer = QMessageBox::Yes;
+        m_app->ask.answer = QMessageBox::Yes;
         const QString a = m_files.filePath(QStringLiteral("a.act")), b = m_files.filePath(QStringLiteral("b.act"));
         const QString bad = m_files.filePath(QStringLiteral("bad.pal"));
         QVERIFY(QPaletteFile::saveAct(a, ramp(1)) && QPaletteFile::saveAct(b, ramp(2)));
         QVERIFY(TestSupport::writeAll(bad, "JASC-PAL\r\nnonsense"));
-        m_ask->files << QStringList{a, bad, b}.join(QLatin1Char('\n'));
-        m_ask->fill = [](QDialog *d) {
+        m_app->ask.files << QStringList{a, bad, b}.join(QLatin1Char('\n'));
+        m_app->ask.fill = [](QDialog *d) {
             d->findChild<QSpinBox *>(QStringLiteral("group"))->setValue(7);
             d->findChild<QSpinBox *>(QStringLiteral("number"))->setValue(3);
         };
@@ -205,12 +181,12 @@ private slots:
         QCOMPARE(s->paletteColors(2)->colors[7], ramp(1)[7]);
         QCOMPARE(s->paletteColors(3)->colors[200], ramp(2)[200]);
         QVERIFY(s->paletteInfo(2).group == 7 && s->paletteInfo(2).number == 3 && s->paletteInfo(3).number == 4);
-        m_ask->fill = nullptr;
-        QVERIFY(m_ask->messages().last().contains(QStringLiteral("bad.pal")));
+        m_app->ask.fill = nullptr;
+        QVERIFY(m_app->ask.messages().last().contains(QStringLiteral("bad.pal")));
 
         // Open loads a file into the shown palette, and the panel's undo takes it back.
         const QRGBPal before = *s->paletteColors(panel()->position());
-        m_ask->files << a;
+        m_app->ask.files << a;
         trigger("pal_open");
         QCOMPARE(*s->paletteColors(panel()->position()), ramp(1));
         trigger("pal_undo");
@@ -219,16 +195,16 @@ private slots:
         // Several palettes are saved as group-number.act, 768 bytes each; a cancel writes nothing.
         QDir out(m_files.filePath(QStringLiteral("out")));
         QVERIFY(out.mkpath(QStringLiteral(".")));
-        m_ask->onDialog = [](QDialog *) { return int(QDialog::Rejected); };
+        m_app->ask.onDialog = [](QDialog *) { return int(QDialog::Rejected); };
         trigger("pal_save");
         QVERIFY(out.isEmpty());
-        m_ask->onDialog = [](QDialog *d) {
+        m_app->ask.onDialog = [](QDialog *d) {
             d->findChild<QSpinBox *>(QStringLiteral("start"))->setValue(1);
             d->findChild<QSpinBox *>(QStringLiteral("end"))->setValue(4);
             d->findChild<QAbstractButton *>(QStringLiteral("interval"))->setChecked(true);
             return int(QDialog::Accepted);
         };
-        m_ask->files << out.filePath(QStringLiteral("pal.act"));
+        m_app->ask.files << out.filePath(QStringLiteral("pal.act"));
         const QList<int> indices = s->spritePaletteIndices();
         const int undoIndex = s->undoStack()->index();
         trigger("pal_save");
@@ -245,20 +221,20 @@ private slots:
         QCOMPARE(s->spritePaletteIndices(), indices);
 
         // Delete asks first; No keeps the palette.
-        m_ask->answer = QMessageBox::No;
+        m_app->ask.answer = QMessageBox::No;
         trigger("pal_delete");
         QCOMPARE(s->paletteCount(), 4);
-        m_ask->answer = QMessageBox::Yes;
+        m_app->ask.answer = QMessageBox::Yes;
         trigger("pal_delete");
         QCOMPARE(s->paletteCount(), 3);
-        QVERIFY(m_ask->messages().last().startsWith(QStringLiteral("Delete palette: ")));
+        QVERIFY(m_app->ask.messages().last().startsWith(QStringLiteral("Delete palette: ")));
     }
 
     void setsMovesAndUndoesColours()
     {
         freshProject();
         QSprites *s = store();
-        m_ask->answer = QMessageBox::No;
+        m_app->ask.answer = QMessageBox::No;
         trigger("pal_add");
         const int p = panel()->position();
         QVERIFY(!enabled("pal_set_color") && !enabled("pal_undo"));
@@ -267,7 +243,7 @@ private slots:
         view()->select(5);
         view()->select(9, true);
         QVERIFY(enabled("pal_switch_color"));
-        m_ask->onDialog = [](QDialog *d) {
+        m_app->ask.onDialog = [](QDialog *d) {
             auto *dialog = qobject_cast<QColorDialog *>(d);
             if (!dialog || d->windowTitle() != QLatin1String("Color"))
                 return int(QDialog::Rejected);
@@ -342,15 +318,15 @@ private slots:
         const QRGBPal edited = *s->paletteColors(p12);
         const int undoIndex = s->undoStack()->index();
         // No to the palette question leaves the files as they were.
-        m_ask->answer = QMessageBox::No;
+        m_app->ask.answer = QMessageBox::No;
         ui()->fileSave();
         QCOMPARE(TestSupport::readAll(two), twoBytes);
-        m_ask->answer = QMessageBox::Yes;
+        m_app->ask.answer = QMessageBox::Yes;
         ui()->fileSave();
         QCOMPARE(TestSupport::readAll(two), QPaletteFile::actBytes(edited));
         QCOMPARE(TestSupport::readAll(two).mid(3 * (255 - 7), 3), QByteArray("\x01\x02\x03", 3));
         QCOMPARE(TestSupport::readAll(one), oneBytes);
-        QVERIFY(m_ask->messages().last().contains(QStringLiteral("five.act")));
+        QVERIFY(m_app->ask.messages().last().contains(QStringLiteral("five.act")));
         QCOMPARE(TestSupport::readAll(dir.filePath(QStringLiteral("blocked"))), QByteArray("x"));
         // The missing file is made from the sprite file's own palette 1,4.
         QCOMPARE(TestSupport::readAll(dir.filePath(QStringLiteral("gone.act"))), QPaletteFile::actBytes(*s->paletteColors(s->findPalette(0, 1, 4))));
@@ -374,7 +350,7 @@ private slots:
             before << s->image(i);
         const QList<int> indices = s->spritePaletteIndices();
         const int undoIndex = s->undoStack()->index();
-        m_ask->onDialog = [s](QDialog *d) {
+        m_app->ask.onDialog = [s](QDialog *d) {
             d->findChild<QPushButton *>(QStringLiteral("add"))->click();
             s->remap()->setRow(0, 1, 1, 1, 6);
             return int(QDialog::Accepted);
@@ -418,11 +394,11 @@ private slots:
         qobject_cast<QScrollBar *>(control("spr_sel"))->setValue(stand);
         auto *bar = qobject_cast<QScrollBar *>(control("pal_sel"));
         bar->setValue(s->findPalette(0, 1, 1));
-        shoot(m_root->window(), "palettes-kfm-1-1.png");
+        shoot(m_app->root->window(), "palettes-kfm-1-1.png");
         bar->setValue(s->findPalette(0, 1, 6));
-        shoot(m_root->window(), "palettes-kfm-1-6.png");
+        shoot(m_app->root->window(), "palettes-kfm-1-6.png");
         bar->setValue(s->findPalette(0, 1, 1));
-        m_ask->onDialog = [&](QDialog *d) {
+        m_app->ask.onDialog = [&](QDialog *d) {
             d->resize(760, 440);
             d->show();
             d->findChild<QPushButton *>(QStringLiteral("add"))->click();

@@ -82,6 +82,7 @@ QString copyFolder(const QString &from, const QString &to)
 struct App
 {
     std::unique_ptr<QAppRoot> root;
+    QString folder; // the character's copy
     QEditorRegistry &registry() const { return root->controller()->registry(); }
     QTextWorkspace *workspace() const { return static_cast<QTextWorkspace *>(registry().workspace(0)); }
     QTextEditor *view() const { return workspace()->editor(); }
@@ -91,21 +92,24 @@ struct App
     int line() const { return view()->textCursor().blockNumber(); }
 };
 
-App start(const QString &dir, const QString &def)
-{
-    App a;
-    a.root = startProgram(dir);
-    a.root->window()->resize(1100, 760);
-    a.root->window()->show();
-    a.root->controller()->openProject(def);
-    return a;
-}
-
 } // namespace
 
 class TestTextEditors : public QObject
 {
     Q_OBJECT
+
+    // The program, its settings in `config`, on a copy in `copy` of the sample
+    // character `name`, both folders in m_dir.
+    App start(const char *config, const char *name, const QString &copy)
+    {
+        App a;
+        a.folder = copyFolder(samplePath(QStringLiteral("chars/") + QLatin1String(name)), m_dir.filePath(copy));
+        a.root = startProgram(m_dir.filePath(QLatin1String(config)));
+        a.root->window()->resize(1100, 760);
+        a.root->window()->show();
+        a.root->controller()->openProject(a.folder + QLatin1Char('/') + QLatin1String(name) + QStringLiteral(".def"));
+        return a;
+    }
 
 private slots:
     void initTestCase() { QVERIFY(m_dir.isValid()); }
@@ -116,8 +120,7 @@ private slots:
     {
         BF_REQUIRE_SAMPLE();
         Answers answers;
-        const QString folder = copyFolder(samplePath(QStringLiteral("chars/kfm")), m_dir.filePath(QStringLiteral("lib")));
-        App app = start(m_dir.filePath(QStringLiteral("cfg3")), folder + QStringLiteral("/kfm.def"));
+        App app = start("cfg3", "kfm", QStringLiteral("lib"));
         app.registry().editorSwitch(4);
         QTextWorkspace *ws = app.workspace();
         QVERIFY(ws->sctrlList()->isVisible());
@@ -207,8 +210,7 @@ private slots:
     {
         BF_REQUIRE_SAMPLE();
         Answers answers;
-        const QString folder = copyFolder(samplePath(QStringLiteral("chars/kfm")), m_dir.filePath(QStringLiteral("kfm")));
-        App app = start(m_dir.filePath(QStringLiteral("cfg")), folder + QStringLiteral("/kfm.def"));
+        App app = start("cfg", "kfm", QStringLiteral("kfm"));
         QProject *project = app.project();
         QVERIFY(project);
 
@@ -288,7 +290,7 @@ private slots:
 
         // The project's save writes the edited state file and nothing else.
         QMap<QString, QByteArray> before;
-        for (const QFileInfo &f : QDir(folder).entryInfoList(QDir::Files))
+        for (const QFileInfo &f : QDir(app.folder).entryInfoList(QDir::Files))
             before.insert(f.fileName(), readAll(f.filePath()));
         app.root->controller()->fileSave();
         QVERIFY(!cns->isModified());
@@ -297,7 +299,7 @@ private slots:
         QVERIFY(app.registry().canCloseProject(project));
         QVERIFY(answers.texts.isEmpty());
         for (auto it = before.cbegin(); it != before.cend(); ++it) {
-            const QByteArray now = readAll(folder + QLatin1Char('/') + it.key());
+            const QByteArray now = readAll(app.folder + QLatin1Char('/') + it.key());
             if (it.key() == QLatin1String("kfm.cns"))
                 QVERIFY(now.contains("type = NoSuchController\r\n"));
             else
@@ -305,10 +307,10 @@ private slots:
         }
 
         // An issue line "file(N): ..." opens its document on line N.
-        app.root->controller()->itemClicked(folder + QStringLiteral("/kfm.cmd"), 10);
+        app.root->controller()->itemClicked(app.folder + QStringLiteral("/kfm.cmd"), 10);
         QCOMPARE(app.registry().currentEditorId(), 3);
         QCOMPARE(app.line(), 10);
-        app.root->controller()->itemClicked(folder + QStringLiteral("/kfm.cns"), 152);
+        app.root->controller()->itemClicked(app.folder + QStringLiteral("/kfm.cns"), 152);
         QCOMPARE(app.registry().currentEditorId(), 4);
         QCOMPARE(app.view()->document(), cns->document());
         QCOMPARE(app.line(), 152);
@@ -332,8 +334,7 @@ private slots:
     {
         BF_REQUIRE_SAMPLE();
         Answers answers;
-        const QString folder = copyFolder(samplePath(QStringLiteral("chars/kfm")), m_dir.filePath(QStringLiteral("find")));
-        App app = start(m_dir.filePath(QStringLiteral("cfg-find")), folder + QStringLiteral("/kfm.def"));
+        App app = start("cfg-find", "kfm", QStringLiteral("find"));
         app.registry().editorSwitch(4);
         QTextDocument *doc = app.view()->document();
         QQuickFind *bar = app.root->controller()->quickFind();
@@ -421,8 +422,7 @@ private slots:
     {
         BF_REQUIRE_SAMPLE();
         Answers answers;
-        const QString folder = copyFolder(samplePath(QStringLiteral("chars/kfm")), m_dir.filePath(QStringLiteral("kfm3")));
-        App app = start(m_dir.filePath(QStringLiteral("cfg3")), folder + QStringLiteral("/kfm.def"));
+        App app = start("cfg3", "kfm", QStringLiteral("kfm3"));
         QProject *project = app.project();
         app.registry().editorSwitch(4);
         auto *states = static_cast<QStatesEditor *>(app.registry().editor(4));
@@ -496,7 +496,7 @@ private slots:
         QSyntaxTextEditor *cmd = project->commands();
         QTextCursor(cmd->document()).insertText(QStringLiteral("; mine\n"));
         answers.texts.clear();
-        const QString cmdFile = folder + QStringLiteral("/kfm.cmd");
+        const QString cmdFile = app.folder + QStringLiteral("/kfm.cmd");
         QVERIFY(writeAll(cmdFile, readAll(cmdFile) + "; outside\r\n"));
         QTRY_COMPARE(answers.texts.size(), 1);
         QVERIFY(answers.texts.at(0).startsWith(QStringLiteral("The file '")));
@@ -519,10 +519,7 @@ private slots:
     {
         BF_REQUIRE_SAMPLE();
         for (const char *name : {"kfm", "kfm720"}) {
-            const QString folder = copyFolder(samplePath(QStringLiteral("chars/") + QLatin1String(name)),
-                                              m_dir.filePath(QStringLiteral("copy-") + QLatin1String(name)));
-            App app = start(m_dir.filePath(QStringLiteral("cfg2")), folder + QLatin1Char('/') + QLatin1String(name)
-                                                                       + QStringLiteral(".def"));
+            App app = start("cfg2", name, QStringLiteral("copy-") + QLatin1String(name));
             QProject *project = app.project();
             QList<QSyntaxTextEditor *> docs = {project->definitions(), project->commands()};
             app.registry().editorSwitch(0);

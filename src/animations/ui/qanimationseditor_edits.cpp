@@ -354,10 +354,7 @@ void QAnimationsEditor::projImport()
     fill(from->currentIndex());
     layout->addWidget(from);
     layout->addWidget(list);
-    auto *buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, &dialog);
-    connect(buttons, &QDialogButtonBox::accepted, &dialog, &QDialog::accept);
-    connect(buttons, &QDialogButtonBox::rejected, &dialog, &QDialog::reject);
-    layout->addWidget(buttons);
+    layout->addWidget(QAskUser::okCancelButtons(&dialog));
     if (QAskUser::exec(&dialog) != QDialog::Accepted || from->currentIndex() < 0)
         return;
     QProject *source = projects.value(from->currentIndex());

@@ -294,10 +294,7 @@ void QTextWorkspace::goToLine()
     line->setValue(m_editor->textCursor().blockNumber() + 1);
     line->selectAll();
     form->addRow(tr("Line (1 - %1):").arg(lineCount), line);
-    auto *buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, &dialog);
-    connect(buttons, &QDialogButtonBox::accepted, &dialog, &QDialog::accept);
-    connect(buttons, &QDialogButtonBox::rejected, &dialog, &QDialog::reject);
-    form->addRow(buttons);
+    form->addRow(QAskUser::okCancelButtons(&dialog));
     if (QAskUser::exec(&dialog) != QDialog::Accepted)
         return;
     int target = line->value();

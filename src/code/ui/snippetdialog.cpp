@@ -63,10 +63,7 @@ QString askSnippetCode(const QSnippetManager &snippets, const QString &name, QWi
     int bottom = 0;
     for (int r : std::as_const(rows))
         bottom = qMax(bottom, r);
-    auto *buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, &dialog);
-    QObject::connect(buttons, &QDialogButtonBox::accepted, &dialog, &QDialog::accept);
-    QObject::connect(buttons, &QDialogButtonBox::rejected, &dialog, &QDialog::reject);
-    grid->addWidget(buttons, bottom, 0, 1, -1);
+    grid->addWidget(QAskUser::okCancelButtons(&dialog), bottom, 0, 1, -1);
     if (QAskUser::exec(&dialog) != QDialog::Accepted)
         return QString();
 

@@ -37,18 +37,6 @@ T *as(QObject *o)
     return static_cast<T *>(o);
 }
 
-int pushInt(lua_State *L, int v)
-{
-    lua_pushnumber(L, v);
-    return 1;
-}
-
-int pushText(lua_State *L, const QString &text)
-{
-    pushString(L, text);
-    return 1;
-}
-
 const Class &widgetClass();
 const Class &layoutClass();
 const Class &boxLayoutClass();
@@ -76,7 +64,7 @@ QWidget *widgetArg(lua_State *L, int index)
 }
 
 // A layout can be placed only once, and never into itself.
-void checkFree(QLayout *layout, QObject *target)
+void checkPlace(QLayout *layout, QObject *target)
 {
     if (layout->parent())
         fail(QStringLiteral("this layout is placed already"));
@@ -86,7 +74,7 @@ void checkFree(QLayout *layout, QObject *target)
     }
 }
 
-void checkWidget(QWidget *widget, QObject *target)
+void checkPlace(QWidget *widget, QObject *target)
 {
     if (widget->isWindow() && qobject_cast<QDialog *>(widget))
         fail(QStringLiteral("a dialog can't be placed in a layout"));
@@ -96,16 +84,65 @@ void checkWidget(QWidget *widget, QObject *target)
     }
 }
 
+// A grid cell: row, column and, with five arguments, the spans.
+struct Cell
+{
+    int row, column, rows, columns;
+};
+
+Cell cell(lua_State *L)
+{
+    return {qBound(0, toInt(L, 3), 10000), qBound(0, toInt(L, 4), 10000),
+            lua_isnoneornil(L, 5) ? 1 : qBound(1, toInt(L, 5), 10000),
+            lua_isnoneornil(L, 6) ? 1 : qBound(1, toInt(L, 6), 10000)};
+}
+
+void place(lua_State *, QBoxLayout *box, QWidget *w)
+{
+    box->addWidget(w);
+}
+void place(lua_State *, QBoxLayout *box, QLayout *l)
+{
+    box->addLayout(l);
+}
+void place(lua_State *L, QGridLayout *grid, QWidget *w)
+{
+    const Cell c = cell(L);
+    grid->addWidget(w, c.row, c.column, c.rows, c.columns);
+}
+void place(lua_State *L, QGridLayout *grid, QLayout *l)
+{
+    const Cell c = cell(L);
+    grid->addLayout(l, c.row, c.column, c.rows, c.columns);
+}
+
+// Layouts take widgets and layouts alike: the item in argument 2 is checked,
+// placed and handed back, so that calls can be chained.
+template <class Layout, class Item>
+int addItem(lua_State *L, QObject *s, Item *item)
+{
+    checkPlace(item, s);
+    place(L, as<Layout>(s), item);
+    lua_pushvalue(L, 2);
+    return 1;
+}
+
+template <class Layout>
+std::vector<Function> addMethods()
+{
+    return {
+        {"addWidget", [](lua_State *L, QObject *s) { return addItem<Layout>(L, s, widgetArg(L, 2)); }},
+        {"addLayout", [](lua_State *L, QObject *s) { return addItem<Layout>(L, s, layoutArg(L, 2)); }},
+    };
+}
+
 const Class &widgetClass()
 {
     static const Class cls{
         "Widget",
         nullptr,
         {
-            {"enabled", [](lua_State *L, QObject *s) {
-                 lua_pushboolean(L, as<QWidget>(s)->isEnabled());
-                 return 1;
-             },
+            {"enabled", [](lua_State *L, QObject *s) { return pushBool(L, as<QWidget>(s)->isEnabled()); },
              [](lua_State *L, QObject *s) { as<QWidget>(s)->setEnabled(toBool(L, 2)); }},
         },
         {},
@@ -121,12 +158,12 @@ const Class &layoutClass()
         "Layout",
         nullptr,
         {
-            {"margin", [](lua_State *L, QObject *s) { return pushInt(L, as<QLayout>(s)->contentsMargins().left()); },
+            {"margin", [](lua_State *L, QObject *s) { return pushNumber(L, as<QLayout>(s)->contentsMargins().left()); },
              [](lua_State *L, QObject *s) {
                  const int m = qBound(0, toInt(L, 2), 1000);
                  as<QLayout>(s)->setContentsMargins(m, m, m, m);
              }},
-            {"spacing", [](lua_State *L, QObject *s) { return pushInt(L, as<QLayout>(s)->spacing()); },
+            {"spacing", [](lua_State *L, QObject *s) { return pushNumber(L, as<QLayout>(s)->spacing()); },
              [](lua_State *L, QObject *s) { as<QLayout>(s)->setSpacing(qBound(0, toInt(L, 2), 1000)); }},
         },
         {},
@@ -141,24 +178,7 @@ const Class &boxLayoutClass()
         "BoxLayout",
         &layoutClass(),
         {},
-        {
-            {"addWidget",
-             [](lua_State *L, QObject *s) {
-                 QWidget *w = widgetArg(L, 2);
-                 checkWidget(w, s);
-                 as<QBoxLayout>(s)->addWidget(w);
-                 lua_pushvalue(L, 2);
-                 return 1;
-             }},
-            {"addLayout",
-             [](lua_State *L, QObject *s) {
-                 QLayout *l = layoutArg(L, 2);
-                 checkFree(l, s);
-                 as<QBoxLayout>(s)->addLayout(l);
-                 lua_pushvalue(L, 2);
-                 return 1;
-             }},
-        },
+        addMethods<QBoxLayout>(),
         {
             {"Vertical", QBoxLayout::TopToBottom},
             {"Horizontal", QBoxLayout::LeftToRight},
@@ -175,43 +195,13 @@ const Class &boxLayoutClass()
     return cls;
 }
 
-// Row, column and, with five arguments, the spans.
-void cell(lua_State *L, int *row, int *column, int *rows, int *columns)
-{
-    *row = qBound(0, toInt(L, 3), 10000);
-    *column = qBound(0, toInt(L, 4), 10000);
-    *rows = lua_isnoneornil(L, 5) ? 1 : qBound(1, toInt(L, 5), 10000);
-    *columns = lua_isnoneornil(L, 6) ? 1 : qBound(1, toInt(L, 6), 10000);
-}
-
 const Class &gridLayoutClass()
 {
     static const Class cls{
         "GridLayout",
         &layoutClass(),
         {},
-        {
-            {"addWidget",
-             [](lua_State *L, QObject *s) {
-                 QWidget *w = widgetArg(L, 2);
-                 checkWidget(w, s);
-                 int r, c, rs, cs;
-                 cell(L, &r, &c, &rs, &cs);
-                 as<QGridLayout>(s)->addWidget(w, r, c, rs, cs);
-                 lua_pushvalue(L, 2);
-                 return 1;
-             }},
-            {"addLayout",
-             [](lua_State *L, QObject *s) {
-                 QLayout *l = layoutArg(L, 2);
-                 checkFree(l, s);
-                 int r, c, rs, cs;
-                 cell(L, &r, &c, &rs, &cs);
-                 as<QGridLayout>(s)->addLayout(l, r, c, rs, cs);
-                 lua_pushvalue(L, 2);
-                 return 1;
-             }},
-        },
+        addMethods<QGridLayout>(),
         {},
         [](lua_State *) -> QObject * { return new QGridLayout; },
     };
@@ -230,7 +220,7 @@ Property layoutProperty()
                 QLayout *l = layoutArg(L, 2);
                 if (as<QWidget>(s)->layout())
                     fail(QStringLiteral("this window has a layout already"));
-                checkFree(l, s);
+                checkPlace(l, s);
                 as<QWidget>(s)->setLayout(l);
             }};
 }
@@ -245,7 +235,7 @@ int runDialog(lua_State *L, QDialog *dialog)
     if (lua_isstring(L, -1))
         fail(QString::fromUtf8(lua_tostring(L, -1)));
     lua_pop(L, 1);
-    return pushInt(L, result == QDialog::Accepted ? QDialog::Accepted : QDialog::Rejected);
+    return pushNumber(L, result == QDialog::Accepted ? QDialog::Accepted : QDialog::Rejected);
 }
 
 const Class &dialogClass()
@@ -315,7 +305,7 @@ const Class &wizardClass()
         &dialogClass(),
         {},
         {
-            {"addPage", [](lua_State *L, QObject *s) { return pushInt(L, as<QWizard>(s)->addPage(pageArg(L, 2))); }},
+            {"addPage", [](lua_State *L, QObject *s) { return pushNumber(L, as<QWizard>(s)->addPage(pageArg(L, 2))); }},
             {"setPage",
              [](lua_State *L, QObject *s) {
                  const int id = toInt(L, 2);
@@ -334,7 +324,7 @@ const Class &wizardClass()
                  push(L, as<QWizard>(s)->currentPage(), wizardPageClass());
                  return 1;
              }},
-            {"currentId", [](lua_State *L, QObject *s) { return pushInt(L, as<QWizard>(s)->currentId()); }},
+            {"currentId", [](lua_State *L, QObject *s) { return pushNumber(L, as<QWizard>(s)->currentId()); }},
         },
         {},
         [](lua_State *) -> QObject * { return new QWizard; },
@@ -353,10 +343,7 @@ template <class T>
 Property checkedProperty()
 {
     return {"checked",
-            [](lua_State *L, QObject *s) {
-                lua_pushboolean(L, as<T>(s)->isChecked());
-                return 1;
-            },
+            [](lua_State *L, QObject *s) { return pushBool(L, as<T>(s)->isChecked()); },
             [](lua_State *L, QObject *s) { as<T>(s)->setChecked(toBool(L, 2)); }};
 }
 
@@ -364,11 +351,11 @@ template <class T>
 std::vector<Property> rangeProperties(const char *valueName)
 {
     return {
-        {"minimum", [](lua_State *L, QObject *s) { return pushInt(L, int(as<T>(s)->minimum())); },
+        {"minimum", [](lua_State *L, QObject *s) { return pushNumber(L, int(as<T>(s)->minimum())); },
          [](lua_State *L, QObject *s) { as<T>(s)->setMinimum(toInt(L, 2)); }},
-        {"maximum", [](lua_State *L, QObject *s) { return pushInt(L, int(as<T>(s)->maximum())); },
+        {"maximum", [](lua_State *L, QObject *s) { return pushNumber(L, int(as<T>(s)->maximum())); },
          [](lua_State *L, QObject *s) { as<T>(s)->setMaximum(toInt(L, 2)); }},
-        {valueName, [](lua_State *L, QObject *s) { return pushInt(L, as<T>(s)->value()); },
+        {valueName, [](lua_State *L, QObject *s) { return pushNumber(L, as<T>(s)->value()); },
          [](lua_State *L, QObject *s) { as<T>(s)->setValue(toInt(L, 2)); }},
     };
 }
@@ -434,20 +421,11 @@ const Class &floatEditClass()
     static const Class &cls = makeWidget(
         "FloatEdit",
         {
-            {"minimum", [](lua_State *L, QObject *s) {
-                 lua_pushnumber(L, as<QDoubleSpinBox>(s)->minimum());
-                 return 1;
-             },
+            {"minimum", [](lua_State *L, QObject *s) { return pushNumber(L, as<QDoubleSpinBox>(s)->minimum()); },
              [](lua_State *L, QObject *s) { as<QDoubleSpinBox>(s)->setMinimum(toNumber(L, 2)); }},
-            {"maximum", [](lua_State *L, QObject *s) {
-                 lua_pushnumber(L, as<QDoubleSpinBox>(s)->maximum());
-                 return 1;
-             },
+            {"maximum", [](lua_State *L, QObject *s) { return pushNumber(L, as<QDoubleSpinBox>(s)->maximum()); },
              [](lua_State *L, QObject *s) { as<QDoubleSpinBox>(s)->setMaximum(toNumber(L, 2)); }},
-            {"value", [](lua_State *L, QObject *s) {
-                 lua_pushnumber(L, as<QDoubleSpinBox>(s)->value());
-                 return 1;
-             },
+            {"value", [](lua_State *L, QObject *s) { return pushNumber(L, as<QDoubleSpinBox>(s)->value()); },
              [](lua_State *L, QObject *s) { as<QDoubleSpinBox>(s)->setValue(toNumber(L, 2)); }},
         },
         [](lua_State *) -> QObject * { return new QDoubleSpinBox; });

@@ -4,6 +4,7 @@
 
 #include "qimagewidget.h"
 #include "qpalettewidget.h"
+#include "spritedialogs.h"
 
 #include "shell/qaskuser.h"
 #include "shell/qprogress.h"
@@ -63,17 +64,9 @@ QString fileList(const QStringList &lines)
 
 void PalEditor::open()
 {
-    const QString file = QAskUser::openFileName(this, tr("Open palette"), folder("pal_path"), QPaletteFile::openFilter());
-    if (file.isEmpty())
-        return;
-    setFolder("pal_path", file);
     QRGBPal colors;
-    QString why;
-    if (!QPaletteFile::load(file, &colors, &why)) {
-        QAskUser::critical(this, tr("Open palette"), tr("%1 could not be read:\n%2").arg(QDir::toNativeSeparators(file), why));
-        return;
-    }
-    worker()->setColors(colors);
+    if (openPaletteFile(this, tr("Open palette"), m_project, &colors))
+        worker()->setColors(colors);
 }
 
 void PalEditor::save()
@@ -314,10 +307,7 @@ void PalEditor::saveGrpIdx()
     number->setValue(m_palette >= 0 ? info.number : 1);
     form->addRow(tr("Group:"), group);
     form->addRow(tr("Index:"), number);
-    auto *buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, &dialog);
-    connect(buttons, &QDialogButtonBox::accepted, &dialog, &QDialog::accept);
-    connect(buttons, &QDialogButtonBox::rejected, &dialog, &QDialog::reject);
-    form->addRow(buttons);
+    form->addRow(QAskUser::okCancelButtons(&dialog));
     if (QAskUser::exec(&dialog) != QDialog::Accepted)
         return;
     settleSliders();

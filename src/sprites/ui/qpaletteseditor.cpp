@@ -442,18 +442,10 @@ void QPalettesEditor::open()
 {
     if (position() < 0)
         return;
-    const QString file = QAskUser::openFileName(window(), tr("Load palette"), folder("pal_path"), QPaletteFile::openFilter());
-    if (file.isEmpty())
-        return;
-    setFolder("pal_path", file);
-    QRGBPal colors;
-    QString why;
-    if (!QPaletteFile::load(file, &colors, &why)) {
-        QAskUser::critical(window(), tr("Load palette"), tr("%1 could not be read:\n%2").arg(QDir::toNativeSeparators(file), why));
-        return;
-    }
     // Through the view's palette, so that the view's history can take it back.
-    m_worker->setColors(colors);
+    QRGBPal colors;
+    if (openPaletteFile(window(), tr("Load palette"), m_project, &colors))
+        m_worker->setColors(colors);
 }
 
 void QPalettesEditor::save()

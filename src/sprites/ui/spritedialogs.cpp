@@ -1,9 +1,15 @@
 #include "spritedialogs.h"
 
+#include "project/qproject.h"
+#include "shell/qaskuser.h"
+#include "sprites/qpalettefile.h"
+
 #include <QButtonGroup>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDialogButtonBox>
+#include <QDir>
+#include <QFileInfo>
 #include <QFormLayout>
 #include <QGridLayout>
 #include <QGroupBox>
@@ -31,14 +37,6 @@ QRadioButton *radio(QWidget *parent, const char *name, const QString &text)
     auto *r = new QRadioButton(text, parent);
     r->setObjectName(QString::fromLatin1(name));
     return r;
-}
-
-void addButtons(QDialog *dialog, QBoxLayout *layout)
-{
-    auto *buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, dialog);
-    QObject::connect(buttons, &QDialogButtonBox::accepted, dialog, &QDialog::accept);
-    QObject::connect(buttons, &QDialogButtonBox::rejected, dialog, &QDialog::reject);
-    layout->addWidget(buttons);
 }
 
 } // namespace
@@ -106,7 +104,7 @@ AddSpr::AddSpr(QWidget *parent)
     m_crop->addItems({tr("Don't crop the image"), tr("Crop the image (before axis)"), tr("Crop the image (after axis)")});
     palette->addRow(QString(), m_crop);
     layout->addLayout(palette);
-    addButtons(this, layout);
+    layout->addWidget(QAskUser::okCancelButtons(this));
 }
 
 void AddSpr::setDefaults(int group, int number, int x, int y, bool blankAxis, int paletteGroup, int paletteNumber)
@@ -174,7 +172,7 @@ GroupDlg::GroupDlg(bool rename, int group, QWidget *parent)
     range->addRow(tr("Start:"), m_first);
     range->addRow(tr("End:"), m_last);
     layout->addLayout(range);
-    addButtons(this, layout);
+    layout->addWidget(QAskUser::okCancelButtons(this));
 }
 
 int GroupDlg::group() const { return m_group->value(); }
@@ -196,7 +194,7 @@ CloneSpr::CloneSpr(QWidget *parent)
     link->setChecked(true);
     layout->addWidget(link);
     layout->addWidget(m_copy);
-    addButtons(this, layout);
+    layout->addWidget(QAskUser::okCancelButtons(this));
 }
 
 bool CloneSpr::copyImage() const { return m_copy->isChecked(); }
@@ -224,7 +222,7 @@ SaveItem::SaveItem(int count, int current, QWidget *parent)
     range->addRow(tr("Start:"), m_first);
     range->addRow(tr("End:"), m_last);
     layout->addLayout(range);
-    addButtons(this, layout);
+    layout->addWidget(QAskUser::okCancelButtons(this));
 }
 
 int SaveItem::which() const { return m_which->checkedId(); }
@@ -304,7 +302,7 @@ AddSom::AddSom(const QString &title, int group, int number, QWidget *parent)
     form->addRow(tr("Group:"), m_group);
     form->addRow(tr("Index:"), m_number);
     layout->addLayout(form);
-    addButtons(this, layout);
+    layout->addWidget(QAskUser::okCancelButtons(this));
 }
 
 int AddSom::group() const
@@ -315,4 +313,21 @@ int AddSom::group() const
 int AddSom::number() const
 {
     return m_number->value();
+}
+
+bool openPaletteFile(QWidget *parent, const QString &title, QProject *project, QRGBPal *colors)
+{
+    const QString key = QStringLiteral("pal_path");
+    const QString file = QAskUser::openFileName(parent, title, project ? project->path(key) : QString(),
+                                                QPaletteFile::openFilter());
+    if (file.isEmpty())
+        return false;
+    if (project)
+        project->setPath(key, QFileInfo(file).absolutePath());
+    QString why;
+    if (QPaletteFile::load(file, colors, &why))
+        return true;
+    QAskUser::critical(parent, title,
+                       QObject::tr("%1 could not be read:\n%2").arg(QDir::toNativeSeparators(file), why));
+    return false;
 }

@@ -3,6 +3,8 @@
 #include <QDialog>
 
 class QButtonGroup;
+class QProject;
+struct QRGBPal;
 class QCheckBox;
 class QComboBox;
 class QListWidget;
@@ -127,3 +129,8 @@ public:
 private:
     QSpinBox *m_group, *m_number;
 };
+
+// Asks for a palette file, starting in the project's palette folder, which
+// then follows the choice, and reads it; a file that can't be read is
+// reported. True when `colors` holds the file's colours.
+bool openPaletteFile(QWidget *parent, const QString &title, QProject *project, QRGBPal *colors);
