@@ -318,17 +318,6 @@ void PalEditor::status(const QString &text)
     m_status->setText(text);
 }
 
-QString PalEditor::folder(const char *key) const
-{
-    return m_project ? m_project->path(QString::fromLatin1(key)) : QString();
-}
-
-void PalEditor::setFolder(const char *key, const QString &file)
-{
-    if (m_project)
-        m_project->setPath(QString::fromLatin1(key), QFileInfo(file).absolutePath());
-}
-
 PalEditor::Snapshot PalEditor::current() const
 {
     Snapshot s;

@@ -131,8 +131,6 @@ private:
     void sendSelection(int to);
     void sendColors(int to);
     void status(const QString &text);
-    QString folder(const char *key) const;
-    void setFolder(const char *key, const QString &file);
     QSprites *sprites() const;
 
     QProject *m_project;

@@ -71,10 +71,10 @@ void PalEditor::open()
 
 void PalEditor::save()
 {
-    const QString file = QAskUser::saveFileName(this, tr("Save palette"), folder("pal_path"), QPaletteFile::saveFilter());
+    const QString file = QAskUser::saveFileName(this, tr("Save palette"), projectFolder(m_project, "pal_path"), QPaletteFile::saveFilter());
     if (file.isEmpty())
         return;
-    setFolder("pal_path", file);
+    rememberFolder(m_project, "pal_path", file);
     QString why;
     if (!QPaletteFile::saveAct(file, m_colors[m_active], &why))
         QAskUser::critical(this, tr("Save palette"), tr("%1 could not be written:\n%2").arg(QDir::toNativeSeparators(file), why));
@@ -84,10 +84,10 @@ void PalEditor::save()
 
 void PalEditor::openImg()
 {
-    const QString file = QAskUser::openFileName(this, tr("Open image"), folder("spr_path"), QImageFile::openFilter());
+    const QString file = QAskUser::openFileName(this, tr("Open image"), projectFolder(m_project, "spr_path"), QImageFile::openFilter());
     if (file.isEmpty())
         return;
-    setFolder("spr_path", file);
+    rememberFolder(m_project, "spr_path", file);
     const QImage picture = QImageFile::read(file);
     if (picture.isNull()) {
         QAskUser::critical(this, tr("Open image"), tr("%1 is not an image this program can read.").arg(QDir::toNativeSeparators(file)));
@@ -108,10 +108,10 @@ void PalEditor::saveImg()
 {
     if (m_image.isNull())
         return;
-    const QString file = QAskUser::saveFileName(this, tr("Save image"), folder("spr_path"), QImageFile::saveFilter());
+    const QString file = QAskUser::saveFileName(this, tr("Save image"), projectFolder(m_project, "spr_path"), QImageFile::saveFilter());
     if (file.isEmpty())
         return;
-    setFolder("spr_path", file);
+    rememberFolder(m_project, "spr_path", file);
     QString why;
     if (!QImageFile::write(file, QPaletteOps::inPalette(m_image, m_colors[m_active]), &why))
         QAskUser::critical(this, tr("Save image"), tr("%1 could not be written:\n%2").arg(QDir::toNativeSeparators(file), why));
@@ -230,10 +230,10 @@ void PalEditor::adaptImg()
 
 void PalEditor::genPal()
 {
-    const QStringList files = QAskUser::openFileNames(this, tr("Open image"), folder("spr_path"), QImageFile::openFilter());
+    const QStringList files = QAskUser::openFileNames(this, tr("Open image"), projectFolder(m_project, "spr_path"), QImageFile::openFilter());
     if (files.isEmpty())
         return;
-    setFolder("spr_path", files.first());
+    rememberFolder(m_project, "spr_path", files.first());
     QColorQuantizer quantizer(256, 8);
     QStringList failures;
     QProgress progress(tr("Generating palette... please wait!"), this);
@@ -262,10 +262,10 @@ void PalEditor::genPal()
 
 void PalEditor::insPal()
 {
-    const QStringList files = QAskUser::openFileNames(this, tr("Open image"), folder("spr_path"), QImageFile::openFilter());
+    const QStringList files = QAskUser::openFileNames(this, tr("Open image"), projectFolder(m_project, "spr_path"), QImageFile::openFilter());
     if (files.isEmpty())
         return;
-    setFolder("spr_path", files.first());
+    rememberFolder(m_project, "spr_path", files.first());
     QStringList failures;
     QProgress progress(tr("Inserting palette in the images... please wait!"), this);
     bool goOn = true;

@@ -141,17 +141,6 @@ QWidget *QPalettesEditor::window() const
     return m_registry.layout().window();
 }
 
-QString QPalettesEditor::folder(const char *key) const
-{
-    return m_project ? m_project->path(QString::fromLatin1(key)) : QString();
-}
-
-void QPalettesEditor::setFolder(const char *key, const QString &file)
-{
-    if (m_project)
-        m_project->setPath(QString::fromLatin1(key), QFileInfo(file).absolutePath());
-}
-
 bool QPalettesEditor::flag(const char *key, bool fallback) const
 {
     return m_config ? m_config->flag(QString::fromLatin1(key), fallback) : fallback;
@@ -382,10 +371,10 @@ void QPalettesEditor::add()
         definePos(s->insertPalette(here + 1, QRGBPal(), false, group, -1));
         return;
     }
-    const QStringList files = QAskUser::openFileNames(window(), tr("Add palettes"), folder("proj_path"), QPaletteFile::openFilter());
+    const QStringList files = QAskUser::openFileNames(window(), tr("Add palettes"), projectFolder(m_project, "proj_path"), QPaletteFile::openFilter());
     if (files.isEmpty())
         return;
-    setFolder("proj_path", files.first());
+    rememberFolder(m_project, "proj_path", files.first());
     // The files take numbers one after another, from the first free one of
     // the group unless the author says otherwise.
     int toGroup = group;
@@ -477,10 +466,10 @@ void QPalettesEditor::save()
         if (set.isEmpty())
             return;
     }
-    const QString name = QAskUser::saveFileName(window(), tr("Save palettes"), folder("proj_path"), QPaletteFile::saveFilter());
+    const QString name = QAskUser::saveFileName(window(), tr("Save palettes"), projectFolder(m_project, "proj_path"), QPaletteFile::saveFilter());
     if (name.isEmpty())
         return;
-    setFolder("proj_path", name);
+    rememberFolder(m_project, "proj_path", name);
     const QFileInfo target(name);
     QStringList failures;
     QProgress progress(tr("Saving palettes..."), window());

@@ -92,8 +92,6 @@ signals:
 
 private:
     QWidget *window() const;
-    QString folder(const char *key) const;
-    void setFolder(const char *key, const QString &file);
     bool flag(const char *key, bool fallback) const;
     void definePos(int position);
     void updateSel();

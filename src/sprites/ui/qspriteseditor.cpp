@@ -203,17 +203,6 @@ QWidget *QSpritesEditor::window() const
     return m_registry.layout().window();
 }
 
-QString QSpritesEditor::folder(const char *key) const
-{
-    return m_project ? m_project->path(QString::fromLatin1(key)) : QString();
-}
-
-void QSpritesEditor::setFolder(const char *key, const QString &file)
-{
-    if (m_project)
-        m_project->setPath(QString::fromLatin1(key), QFileInfo(file).absolutePath());
-}
-
 bool QSpritesEditor::flag(const char *key, bool fallback) const
 {
     return m_config ? m_config->flag(QString::fromLatin1(key), fallback) : fallback;

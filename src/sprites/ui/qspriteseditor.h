@@ -139,8 +139,6 @@ private:
     };
 
     QWidget *window() const;
-    QString folder(const char *key) const;
-    void setFolder(const char *key, const QString &file);
     bool flag(const char *key, bool fallback) const;
     bool isCharacter() const;
     // Changes the shown sprite's info through the store, with undo.

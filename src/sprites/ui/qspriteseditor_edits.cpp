@@ -162,10 +162,10 @@ void QSpritesEditor::add()
     QSprites *s = sprites();
     if (!s)
         return;
-    const QStringList files = QAskUser::openFileNames(window(), tr("Add sprites"), folder("spr_path"), QImageFile::openFilter());
+    const QStringList files = QAskUser::openFileNames(window(), tr("Add sprites"), projectFolder(m_project, "spr_path"), QImageFile::openFilter());
     if (files.isEmpty())
         return;
-    setFolder("spr_path", files.first());
+    rememberFolder(m_project, "spr_path", files.first());
 
     AddSpr dialog(window());
     const QSpriteItem *current = s->item(m_pos);
@@ -230,10 +230,10 @@ void QSpritesEditor::openImg()
     QSprites *s = sprites();
     if (!s || !s->item(m_pos))
         return;
-    const QString file = QAskUser::openFileName(window(), tr("Change image"), folder("spr_path"), QImageFile::openFilter());
+    const QString file = QAskUser::openFileName(window(), tr("Change image"), projectFolder(m_project, "spr_path"), QImageFile::openFilter());
     if (file.isEmpty())
         return;
-    setFolder("spr_path", file);
+    rememberFolder(m_project, "spr_path", file);
     const QImage image = QImageFile::read(file);
     if (image.isNull()) {
         QAskUser::warning(window(), tr("Change image"),

@@ -71,7 +71,7 @@ void QSpritesEditor::open()
     QSprites *s = sprites();
     if (!s)
         return;
-    const QString path = QAskUser::openFileName(window(), tr("Open sprites"), folder("proj_path"),
+    const QString path = QAskUser::openFileName(window(), tr("Open sprites"), projectFolder(m_project, "proj_path"),
                                                 QProject::fileFilter(QProjectFile::Sprites));
     if (path.isEmpty())
         return;
@@ -79,7 +79,7 @@ void QSpritesEditor::open()
         && !QAskUser::question(window(), tr("Open"),
                                tr("Do you really want to discard the changes made in the sprites and/or palettes?")))
         return;
-    setFolder("proj_path", path);
+    rememberFolder(m_project, "proj_path", path);
     bool reported = false;
     const auto c = connect(s, &QSprites::fileError, this, [&reported] { reported = true; });
     bool ok = false;
@@ -178,10 +178,10 @@ void QSpritesEditor::exportImages(bool aligned)
     const QList<int> set = askExportSet();
     if (!s || set.isEmpty())
         return;
-    const QString name = QAskUser::saveFileName(window(), tr("Save images"), folder("spr_path"), QImageFile::saveFilter());
+    const QString name = QAskUser::saveFileName(window(), tr("Save images"), projectFolder(m_project, "spr_path"), QImageFile::saveFilter());
     if (name.isEmpty())
         return;
-    setFolder("spr_path", name);
+    rememberFolder(m_project, "spr_path", name);
     const QFileInfo target(name);
     const QString suffix = target.suffix().isEmpty() ? QStringLiteral("png") : target.suffix();
     QPoint axisMax, sizeMax;

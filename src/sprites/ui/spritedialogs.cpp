@@ -315,15 +315,24 @@ int AddSom::number() const
     return m_number->value();
 }
 
+QString projectFolder(const QProject *project, const char *key)
+{
+    return project ? project->path(QString::fromLatin1(key)) : QString();
+}
+
+void rememberFolder(QProject *project, const char *key, const QString &file)
+{
+    if (project)
+        project->setPath(QString::fromLatin1(key), QFileInfo(file).absolutePath());
+}
+
 bool openPaletteFile(QWidget *parent, const QString &title, QProject *project, QRGBPal *colors)
 {
-    const QString key = QStringLiteral("pal_path");
-    const QString file = QAskUser::openFileName(parent, title, project ? project->path(key) : QString(),
-                                                QPaletteFile::openFilter());
+    const QString file =
+        QAskUser::openFileName(parent, title, projectFolder(project, "pal_path"), QPaletteFile::openFilter());
     if (file.isEmpty())
         return false;
-    if (project)
-        project->setPath(key, QFileInfo(file).absolutePath());
+    rememberFolder(project, "pal_path", file);
     QString why;
     if (QPaletteFile::load(file, colors, &why))
         return true;

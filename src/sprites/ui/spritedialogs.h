@@ -130,6 +130,11 @@ private:
     QSpinBox *m_group, *m_number;
 };
 
+// The folder a project last used for `key` ("spr_path", ...), empty without a
+// project; and keeping the folder of a chosen file there for the next time.
+QString projectFolder(const QProject *project, const char *key);
+void rememberFolder(QProject *project, const char *key, const QString &file);
+
 // Asks for a palette file, starting in the project's palette folder, which
 // then follows the choice, and reads it; a file that can't be read is
 // reported. True when `colors` holds the file's colours.
